@@ -1,0 +1,90 @@
+#pragma once
+
+#include <cstdint>
+#include <cstdio>
+#include <vector>
+
+#include "textio/RWCString.h"
+
+class TLProcessArguments;
+
+/// @file
+/// The virtual machine layer: the only place that calls PVM 3. One free function per operation;
+/// PVM's constants, buffers and (with the exception of the liveness check) error codes stay below.
+/// A truth value is 1 when PVM answered zero or more, else 0. A `tid` above 0 is a live task's
+/// identifier, 0 is none, a negative one is a PVM status; -1 is the wildcard of a receive. Unit
+/// tests link a recording double in place of this layer.
+
+/// One host of the virtual machine.
+struct TLVirtualMachineHost {
+  std::int32_t tid = 0;    ///< of the host's daemon
+  RWCString name;
+  RWCString arch;          ///< "WIN32" for a Windows host
+  std::int32_t speed = 0;  ///< relative speed
+  std::int32_t dsig = 0;   ///< data signature
+};
+
+/// @name Answers of TL_virtual_machine_status, as PVM 3.4 (pvm3.h) defines them.
+/// @{
+constexpr std::int32_t kVirtualMachineOk = 0;
+constexpr std::int32_t kVirtualMachineNoTask = -31;
+/// @}
+
+/// The host table and the number of hosts and architectures. Answers PVM's value; `hosts` is empty
+/// when it is negative.
+std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& archCount,
+                                       std::vector<TLVirtualMachineHost>& hosts);
+
+/// Starts one task of `executable` on `host`. 0 on success, `tid` then being the new task's;
+/// otherwise the code that PVM filled in for the task. Tells the script of either.
+std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
+                                      const TLProcessArguments& arguments, std::int32_t& tid);
+
+/// The text of the last spawn: "ok", or why it failed.
+const RWCString& TL_virtual_machine_last_spawn();
+
+/// The words that `arguments` stand for on a command line, in order: type and value, the value
+/// "none" yielding only the type, the type "none" only the value, the value "undefined" nothing.
+std::vector<RWCString> commandWords(const TLProcessArguments& arguments);
+
+/// PVM's own answer on a task: 0 alive, kVirtualMachineNoTask gone, other negative codes trouble.
+std::int32_t TL_virtual_machine_status(std::int32_t tid);
+/// Ends a task; 0 without a call for a `tid` below 1.
+std::int32_t TL_virtual_machine_kill(std::int32_t tid);
+/// The task that spawned this one, 0 for none.
+std::int32_t TL_virtual_machine_parent();
+/// Own identifier, 0 when not enrolled; enrols the process on its first call.
+std::int32_t TL_virtual_machine_mytid();
+/// Sends what this task's children print to `stream`, which must stay open.
+void TL_virtual_machine_catchout(std::FILE* stream);
+
+/// @name The send buffer, one per process: initialise, pack in order, send.
+/// @{
+int TL_virtual_machine_init_send_buffer();
+int TL_virtual_machine_pack_int(const std::int32_t* values, std::int32_t count);
+int TL_virtual_machine_pack_float(const float* values, std::int32_t count);
+int TL_virtual_machine_pack_double(const double* values, std::int32_t count);
+int TL_virtual_machine_pack_string(const RWCString& text);
+int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag);
+/// @}
+
+/// @name Receiving. A buffer id is above 0; 0 means nothing there, or an error.
+/// @{
+std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag);  ///< blocks
+std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag);
+int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag);
+/// Bytes of a received buffer, the bound of every count that it may announce; 0 when unknown.
+std::int32_t TL_virtual_machine_buffer_size(std::int32_t buffer);
+int TL_virtual_machine_free_buffer(std::int32_t buffer);
+int TL_virtual_machine_unpack_int(std::int32_t* value);
+int TL_virtual_machine_unpack_double(double* value);
+int TL_virtual_machine_unpack_float(float* values, std::int32_t count);
+/// A string of at most `length` bytes, terminator not counted.
+int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t length);
+/// @}
+
+/// Name of this host in the virtual machine; the machine's own name, cut at the first ".", when
+/// there is none.
+RWCString ownHostName();
+/// 1 when the virtual machine's table says "WIN32" for `hostName` or doesn't know it, else 0.
+std::int32_t hostIsWin32(const RWCString& hostName);

@@ -1,0 +1,125 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/TLLockFile.h"
+#include "platform/TLSettingsStore.h"
+
+/// Which conventions the local host follows.
+enum class TLHostKind { win32, posix };
+
+/// The programs by which the suite handles local files; each text is ready to be followed by names
+/// and ends in a blank.
+struct TLFileCommands {
+  std::string remove;           ///< one file
+  std::string removeTree;       ///< a directory with all in it
+  std::string copy;
+  std::string move;             ///< replaces its target
+  std::string makeDirectory;
+};
+
+/// The one port to the host: everything that depends on it goes through the object that
+/// `hostForm()` answers. Two forms exist, and both run on Linux. The win32 form speaks of paths
+/// with "\\" and drive letters and of ".exe" and ".bat" programs, and translates a path only in the
+/// last moment before the real file system sees it (realPath). The posix form is its natural
+/// counterpart.
+///
+/// Operations answer by value and never throw; a path argument is in the form's own notation.
+class TLHostForm {
+ public:
+  virtual ~TLHostForm() = default;
+
+  virtual TLHostKind kind() const = 0;
+
+  /// @name Names and paths.
+  /// @{
+  virtual char separator() const = 0;             ///< '\\' or '/'
+  virtual std::string_view programSuffix() const = 0;  ///< ".exe" or ""
+  virtual std::string_view scriptSuffix() const = 0;   ///< ".bat" or ""
+  /// Every "/" as the form's own separator (win32: "\\"; posix: unchanged).
+  virtual std::string toLocal(std::string_view path) const = 0;
+  /// `directory` and `name` joined by exactly one separator.
+  std::string join(std::string_view directory, std::string_view name) const;
+  /// `path` up to and with its last separator; empty when it has none.
+  std::string directoryOf(std::string_view path) const;
+  /// `path` behind its last separator.
+  std::string nameOf(std::string_view path) const;
+  /// The path as the real file system takes it.
+  virtual std::string realPath(std::string_view path) const = 0;
+  /// A file name as it goes into a command line: bare where the form's rule leaves it so and no
+  /// shell would read more into it than the name; otherwise quoted so that it arrives as data.
+  virtual std::string quoted(std::string_view name) const = 0;
+  /// @}
+
+  /// @name The installation.
+  /// @{
+  /// Full path of the running executable, empty when unknown.
+  virtual std::string executablePath() const = 0;
+  virtual TLSettingsStore& settings() = 0;
+  /// The commands of the suite rooted at `suiteDirectory` (posix: the system's own).
+  virtual TLFileCommands fileCommands(std::string_view suiteDirectory) const = 0;
+  /// @}
+
+  /// @name Processes.
+  /// @{
+  /// Runs a command line and waits for it. Standard output and error go to `outputFile`, created
+  /// or emptied, unless that name is empty. Answers the exit code; a start that failed answers an
+  /// error code and sets `started` false.
+  virtual int runRedirected(std::string_view command, std::string_view outputFile,
+                            bool& started) = 0;
+  /// Runs a command line by the system's command processor; answers its status, 0 for success.
+  virtual int runSystem(std::string_view command) = 0;
+  /// Runs `words[0]` with the others as its arguments, no shell between; waits; answers its exit
+  /// code, or -1 when it can't be started.
+  virtual int runWords(const std::vector<std::string>& words) = 0;
+  /// @}
+
+  /// @name Files.
+  /// @{
+  virtual bool canRead(std::string_view path) const = 0;
+  /// True when an existing file can be opened for reading and writing; else `error` is the errno.
+  virtual bool canWrite(std::string_view path, int& error) const = 0;
+  virtual std::optional<std::string> readFile(std::string_view path) const = 0;
+  /// Puts `text` in the place of a file: written beside it, synced, renamed over it with the mode
+  /// and owner of the old one. On failure the old file stands untouched, nothing is left beside
+  /// it, and the answer is the errno (0 for success).
+  virtual int replaceFile(std::string_view path, std::string_view text) = 0;
+  virtual bool makeDirectory(std::string_view path) = 0;
+  /// All names in a directory, "." and ".." included, appended to `names`; nothing when there is
+  /// no such directory.
+  virtual void listDirectory(std::string_view directory, std::vector<std::string>& names) const = 0;
+  virtual std::string currentDirectory() const = 0;
+  virtual bool changeDirectory(std::string_view directory) = 0;
+  /// Takes the exclusive lock file `path` without waiting. Null when another process holds it.
+  virtual std::unique_ptr<TLLockFile> acquireLock(std::string_view path) = 0;
+  /// @}
+
+  /// @name The user and the machine.
+  /// @{
+  virtual std::string homeDirectory() const = 0;
+  virtual std::string hostName() const = 0;
+  /// The runtime's pseudo-random number, 0 to 32767 in both forms.
+  virtual int randomNumber() = 0;
+  virtual int processId() const = 0;
+  /// @}
+};
+
+/// The form of this process; the posix one unless set.
+TLHostForm& hostForm();
+
+/// Makes `kind` the form of this process.
+void setHostForm(TLHostKind kind);
+
+/// Puts a form of the caller's own (a test's, a fault-injecting one) in place and answers the
+/// former one.
+std::unique_ptr<TLHostForm> exchangeHostForm(std::unique_ptr<TLHostForm> form);
+
+std::unique_ptr<TLHostForm> makePosixForm();
+/// `root` is the real directory that stands for the drive "C:" and for paths without a drive that
+/// begin with "\\"; empty means "/".
+std::unique_ptr<TLHostForm> makeWin32Form(std::string root = {});

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <concepts>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+/// The output stream of all writers: text that grows in memory and goes to its file in one step
+/// (see TLHostForm::replaceFile). Reals are formatted byte for byte as a C++ stream formats them by
+/// default: "%.*g" with the current precision.
+class TLTextSink {
+ public:
+  TLTextSink& operator<<(std::string_view text) {
+    text_.append(text);
+    return *this;
+  }
+  TLTextSink& operator<<(const char* text) { return *this << std::string_view(text); }
+  TLTextSink& operator<<(const std::string& text) { return *this << std::string_view(text); }
+  TLTextSink& operator<<(char c) {
+    text_.push_back(c);
+    return *this;
+  }
+  template <std::integral T>
+    requires(!std::same_as<T, char> && !std::same_as<T, bool>)
+  TLTextSink& operator<<(T value) {
+    return std::signed_integral<T> ? putSigned(static_cast<std::int64_t>(value))
+                                   : putUnsigned(static_cast<std::uint64_t>(value));
+  }
+  /// 1 or 0.
+  TLTextSink& operator<<(bool value) { return *this << (value ? '1' : '0'); }
+  TLTextSink& operator<<(double value);
+  TLTextSink& operator<<(float value) { return *this << static_cast<double>(value); }
+
+  /// Significant digits of a real; 6 at first.
+  int precision() const { return precision_; }
+  /// Sets the digits and returns the former number.
+  int setPrecision(int digits);
+
+  const std::string& text() const { return text_; }
+  std::string take() { return std::move(text_); }
+  void reserve(std::size_t bytes) { text_.reserve(bytes); }
+
+ private:
+  TLTextSink& putSigned(std::int64_t value);
+  TLTextSink& putUnsigned(std::uint64_t value);
+
+  std::string text_;
+  int precision_ = 6;
+};

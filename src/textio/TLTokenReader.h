@@ -1,0 +1,126 @@
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "textio/RWCString.h"
+#include "textio/TLTextSource.h"
+#include "textio/TLTextSink.h"
+
+/// Line and token reading of every text file of the suite. A reader is a local object of one
+/// record's read: it skips white space and comment lines on the stream, and takes one line apart
+/// into its key and typed values.
+///
+/// A token is a run of characters other than blank, tab and new line. A comment line begins with
+/// "#", "!" or "*". Integers and reals convert as `atoi` and `atof` do, so that a word that is no
+/// number gives 0; only a missing token is a fault.
+///
+/// The typed operations take the whole line, whose first token is the key (never looked at), and
+/// answer 1 or 0. On 0 they have printed their complaint on the console, filled the error strings
+/// and cleared `good`. Results are stored only on success, except by the array forms, which store
+/// each value as it is read.
+class TLTokenReader {
+ public:
+  /// A reader of lines only.
+  TLTokenReader() = default;
+  /// A reader on `stream`, which it doesn't own.
+  explicit TLTokenReader(TLTextSource& stream) : stream_(&stream) {}
+
+  /// @name Error state, kept for whoever wants to look after a failure.
+  /// @{
+  const RWCString& errorLine() const { return errorLine_; }
+  const RWCString& errorRead() const { return errorRead_; }
+  const RWCString& errorExpected() const { return errorExpected_; }
+  std::int32_t lineNumber() const { return lineNumber_; }  ///< Always 0: lines aren't counted.
+  std::int32_t good() const { return good_; }
+  /// @}
+
+  /// @name Stream operations. Without a stream they do nothing.
+  /// @{
+  void skipWhitespace();
+  /// True when the next character is "#", "!" or "*".
+  int isCommentStart() const;
+  /// Drops one comment line, if one starts here.
+  void skipCommentLine();
+  /// Moves to the first character of the next line that is neither blank nor comment.
+  void skipComments();
+  /// As skipCommentLine, keeping what follows the comment character, its new line included.
+  void readComment(RWCString& text);
+  /// As skipComments, appending each comment to `list`.
+  void readComments(std::vector<RWCString>& list);
+  /// Skips the block that `line` ("TL_BEGIN name") opens: up to and with the first line whose
+  /// second token is that name, whatever its first. 0 when `line` lacks a token or the text ends
+  /// in the search, else 1.
+  int skipToBlockEnd(std::string_view line);
+  /// @}
+
+  /// @name Key tests.
+  /// @{
+  void initFastToken(std::string_view line);
+  bool isFastToken(std::string_view word) const;
+  static bool lineHasToken(std::string_view line, std::string_view word);
+  static int countTokens(std::string_view line);
+  /// Same number of tokens, and each exactly equal.
+  static bool sameTokens(std::string_view lineA, std::string_view lineB);
+  /// @}
+
+  /// @name Typed line operations.
+  /// @{
+  int readToggle(std::string_view line, std::int32_t& value);  ///< 1 for "yes" and "YES" only.
+  int readInteger(std::string_view line, std::int32_t& value);
+  int readFlag(std::string_view line, bool& value);
+  int readIntegers2(std::string_view line, std::int32_t& a, std::int32_t& b);
+  int readIntegers3(std::string_view line, std::int32_t& a, std::int32_t& b, std::int32_t& c);
+  int readIntegerPair(std::string_view line, std::int32_t& a, std::int32_t& b);
+  int readIntegerReal(std::string_view line, std::int32_t& a, double& b);
+  /// Appends as many reals as the first value says. A missing one empties the list and answers 0
+  /// without a word.
+  int readCountedReals(std::string_view line, std::vector<double>& list);
+  int readFloats4(std::string_view line, float& a, float& b, float& c, float& d);
+  int readIntegers2Real(std::string_view line, std::int32_t& a, std::int32_t& b, double& c);
+  /// All behind the key, outer blanks and tabs cut; may be empty.
+  int readStrings(std::string_view line, RWCString& text);
+  int readString(std::string_view line, RWCString& text);
+  /// `count` values between single quotes into `results` (resized to it as they come).
+  int readQuotedStrings(std::vector<RWCString>& results, int count, std::string_view line);
+  int readStringInteger(std::string_view line, RWCString& text, std::int32_t& value);
+  int readNameInteger(std::string_view line, RWCString& name, std::int32_t& value);
+  int readNameReal(std::string_view line, RWCString& name, double& value);
+  int readIntegerName(std::string_view line, std::int32_t& value, RWCString& name);
+  int readStringName(std::string_view line, RWCString& text, RWCString& name);
+  int readStringPair(std::string_view line, RWCString& a, RWCString& b);
+  int readNameVector(std::string_view line, RWCString& name, double& x, double& y, double& z);
+  int readNameIndices(std::string_view line, RWCString& name, std::int32_t& i, std::int32_t& j,
+                      std::int32_t& k);
+  int readReal(std::string_view line, double& value);
+  int readFloat(std::string_view line, float& value);
+  int readIntegerArray(std::string_view line, int count, std::int32_t* values);
+  int readRealArray(std::string_view line, int count, double* values);
+  int readFloatArray(std::string_view line, int count, float* values);
+  int readVector3(std::string_view line, double& x, double& y, double& z);
+  int readVector3Pair(std::string_view line, double (&a)[3], double (&b)[3]);
+  /// @}
+
+  /// `key`, then "yes" when `value` is exactly 1 and "no" otherwise, and a new line.
+  static void writeToggle(TLTextSink& stream, std::int32_t value, std::string_view key);
+
+ private:
+  struct Form;  // console label and expected text of an operation
+  template <std::size_t N>
+  bool take(std::string_view line, const Form& form, std::string_view (&values)[N]);
+  template <class T, class Convert>
+  int readArray(std::string_view line, int count, T* values, const Form& form, Convert convert);
+  int fail(const Form& form, std::string_view line);
+  int failQuoted(std::string_view line, const char* what, int number, RWCString expected);
+  void recordError(std::string_view line, RWCString expected);
+
+  RWCString errorLine_;
+  RWCString errorRead_;
+  RWCString errorExpected_;
+  std::int32_t lineNumber_ = 0;
+  std::int32_t good_ = 1;
+  TLTextSource* stream_ = nullptr;
+  std::vector<RWCString> fastTokens_;
+  bool fastTokensReady_ = false;
+};
