@@ -3,6 +3,7 @@
 #include <array>
 #include <cstdint>
 #include <initializer_list>
+#include <span>
 #include <string_view>
 #include <type_traits>
 #include <vector>
@@ -48,6 +49,7 @@ class TLWordIndex {
     return lookUp(word);
   }
   int size() const { return static_cast<int>(words_.size()); }
+  std::span<const std::string_view> words() const { return words_; }
 
  private:
   static constexpr std::size_t kLongest = 128;
@@ -93,6 +95,7 @@ class TLKeyTable {
   }
 
   std::string_view recordName() const { return recordName_; }
+  std::span<const std::string_view> words() const { return words_.words(); }
   const std::vector<TLKey<Record>>& rows() const { return rows_; }
 
  private:
@@ -143,7 +146,7 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
     const TLKey<Record>* row = table.match(context.line);
     if (row == nullptr) {
       if (source.observer() != nullptr) {
-        source.observer()->passedOver(source, context.line, table.recordName());
+        source.observer()->passedOver(source, context.line, table.recordName(), table.words());
       }
       continue;
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string_view>
 
 class TLTextSource;
@@ -11,9 +12,10 @@ class TLReadObserver {
  public:
   virtual ~TLReadObserver() = default;
 
-  /// No key of the record `record` is on this line: the reader goes on behind it.
+  /// No key of the record `record` is on this line: the reader goes on behind it. `words` is the
+  /// record's vocabulary, for a guess at what was meant.
   virtual void passedOver(const TLTextSource& source, std::string_view line,
-                          std::string_view record) = 0;
+                          std::string_view record, std::span<const std::string_view> words) = 0;
 
   /// A block that `record` doesn't know was skipped; `line` is its opening line.
   virtual void skippedBlock(const TLTextSource& source, std::string_view line,
