@@ -1,0 +1,98 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "textio/RWCString.h"
+#include "textio/RefCounted.h"
+#include "textio/TLTextSink.h"
+#include "textio/TLTextSource.h"
+
+/// Says on which processes a step's parallel computation runs: the names of the processes, the
+/// process of each block, the queuing system to go through, and, for a design loop, the processes
+/// of each design generation. Every sub-task embeds one; the task file keeps it as the block
+/// "load_balancing". Processes and blocks count from 0.
+class TLLoadBalancing : public RefCounted {
+ public:
+  /// One list of processes per design generation.
+  using Generations = std::vector<std::vector<RWCString>>;
+
+  TLLoadBalancing() = default;
+  TLLoadBalancing(const TLLoadBalancing&) = default;
+  TLLoadBalancing& operator=(const TLLoadBalancing&) = default;
+  ~TLLoadBalancing() override = default;
+
+  /// Copies all of `other`, the lists by element.
+  virtual void assign(const TLLoadBalancing& other) { *this = other; }
+
+  /// Reads the lines behind the block's opening line, up to and with its closing line or the end
+  /// of the text. The lists are emptied first; scalars that the block doesn't tell keep their
+  /// value. 0 when a value is refused or a list line has fewer items than its count; what was read
+  /// until then stays.
+  virtual int read(TLTextSource& source);
+
+  /// Writes the lines of the block, without its markers.
+  virtual void write(TLTextSink& stream) const;
+
+  /// @name Processes
+  /// @{
+  /// Name of process `index`; "Undefined" when there is none.
+  RWCString processName(std::int32_t index) const;
+  void addProcessName(const RWCString& name) { processNames.push_back(name); }
+  /// Takes a process away. With a queuing system it is always the last one, and its blocks go to
+  /// the one before. Without, it is process `index`, which must be at least 1: its blocks go to
+  /// process 0, and the later processes move down one; another index does nothing.
+  void removeProcess(std::int32_t index);
+  /// Process of `block`; 0 for a block that the list doesn't know.
+  std::int32_t processOfBlock(std::int32_t block) const;
+  /// Puts `block` on `process`, and grows the list to reach it. Does nothing for a negative block,
+  /// or for a process below 0 or above the number of processes (of the queuing system, when one is
+  /// active, else of names).
+  void setProcessOfBlock(std::int32_t block, std::int32_t process);
+  /// Fits the list of blocks to `count`: new blocks are on process 0.
+  void setNbBlocks(std::int32_t count);
+  /// @}
+
+  std::int32_t mpiSgi664 = 0;     ///< A launcher variant.
+  std::int32_t nbGridLevels = 1;  ///< Grid levels summed for a block's load.
+  std::int32_t multigridI = 1;    ///< Whether the direction coarsens with the level; J, K alike.
+  std::int32_t multigridJ = 1;
+  std::int32_t multigridK = 1;
+  RWCString projectFile;        ///< The file that the distribution was set up from.
+  float tolerance = 0.0F;       ///< Overload that the automatic balance allows at first.
+  std::int32_t parallel = 0;    ///< 1 for a parallel run.
+  std::int32_t gridLevelI = 0;  ///< Coarsening of the computation; J, K alike.
+  std::int32_t gridLevelJ = 0;
+  std::int32_t gridLevelK = 0;
+  std::int32_t userSolverPrecision = 0;
+  std::int32_t maximumHarmonicsNumber = 0;  ///< Written, but never read back.
+  std::int32_t mpiType = 2;                 ///< The MPI family.
+  RWCString fluidType = "unknown";
+  RWCString steamTablesPath = "unknown";
+  std::int32_t nbQueuingSystemProcessor = 1;   ///< Processors asked of the queuing system.
+  std::int32_t queuingSystemActivated = 0;     ///< 0 none, 1 SGE, 2 PBS, 3 LSF.
+  RWCString queuingSystemQueue = "Undefined";  ///< Queue or parallel environment.
+  RWCString queuingTemplate = "default_ompi";  ///< Name of the job script's template.
+  std::int32_t compilerChoice = 0;
+  std::int32_t automaticLoadBalancing = 1;
+  std::int32_t adjustProcessors = 1;  ///< 1: the balance may lower the number of processors.
+
+  /// Copies of the owning step's host and login, which aren't part of the block.
+  RWCString hostName;
+  RWCString remoteLogin;
+
+  std::vector<RWCString> processNames;     ///< Host or process name of each process.
+  std::vector<std::int32_t> blockProcess;  ///< Process of each block.
+
+  std::vector<RWCString> designGenerations;  ///< Name of each design generation.
+  Generations geomGeneration;
+  Generations meshGeneration;
+  Generations flowSolverGeneration;
+  Generations postTreatmentGeneration;
+  Generations feaMeshGeneration;
+  Generations feaSolverGeneration;
+  Generations feaPostTreatmentGeneration;
+
+ private:
+  void removeLastQueuedProcess();
+};
