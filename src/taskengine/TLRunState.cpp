@@ -1,0 +1,102 @@
+#include "taskengine/TLRunState.h"
+
+#include <fmt/format.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <nlohmann/json.hpp>
+#include <string_view>
+
+#include "platform/TLHostForm.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+constexpr std::string_view kPrefix = "task-";
+constexpr std::string_view kSuffix = ".json";
+
+Json stepToJson(const TLRunStateStep& step) {
+  return {{"name", step.name},         {"executable", step.executable},
+          {"host", step.host},         {"status", step.status},
+          {"children", step.children}, {"queue", step.queue},
+          {"job", step.jobNumber},     {"started", step.started},
+          {"ended", step.ended},       {"reason", step.reason},
+          {"queue_state", step.queueState}};
+}
+
+TLRunStateStep stepFromJson(const Json& json) {
+  TLRunStateStep step;
+  step.name = json.value("name", "");
+  step.executable = json.value("executable", "");
+  step.host = json.value("host", "");
+  step.status = json.value("status", 0);
+  step.children = json.value("children", std::vector<std::int32_t>());
+  step.queue = json.value("queue", 0);
+  step.jobNumber = json.value("job", 0);
+  step.started = json.value("started", 0.0);
+  step.ended = json.value("ended", 0.0);
+  step.reason = json.value("reason", "");
+  step.queueState = json.value("queue_state", "");
+  return step;
+}
+
+TLRunState stateFromJson(const Json& json) {
+  TLRunState state;
+  state.tid = json.value("tid", 0);
+  state.pid = json.value("pid", 0);
+  state.host = json.value("host", "");
+  state.taskFile = json.value("task_file", "");
+  state.taskName = json.value("task_name", "");
+  state.logFile = json.value("log_file", "");
+  state.started = json.value("started", 0.0);
+  for (const auto& step : json.value("steps", Json::array())) {
+    state.steps.push_back(stepFromJson(step));
+  }
+  return state;
+}
+
+}  // namespace
+
+std::string TLRunState::fileName(const std::string& directory, int pid) {
+  return hostForm().join(directory, fmt::format("{}{}{}", kPrefix, pid, kSuffix));
+}
+
+int TLRunState::save(const std::string& directory) const {
+  Json json = {{"version", kVersion},  {"tid", tid},           {"pid", pid},
+               {"host", host},         {"task_file", taskFile}, {"task_name", taskName},
+               {"log_file", logFile},  {"started", started},   {"steps", Json::array()}};
+  for (const auto& step : steps) json["steps"].push_back(stepToJson(step));
+  // Names come from files of any encoding: what is no UTF-8 must not stop the daemon.
+  const std::string text = json.dump(1, ' ', false, Json::error_handler_t::replace);
+  return hostForm().replaceFile(fileName(directory, pid), text + "\n");
+}
+
+void TLRunState::remove(const std::string& directory, int pid) {
+  unlink(hostForm().realPath(fileName(directory, pid)).c_str());
+}
+
+std::optional<TLRunState> TLRunState::load(const std::string& path) {
+  const auto text = hostForm().readFile(path);
+  if (!text) return std::nullopt;
+  try {
+    const Json json = Json::parse(*text);
+    if (json.value("version", 0) != kVersion) return std::nullopt;
+    return stateFromJson(json);
+  } catch (const Json::exception&) {
+    return std::nullopt;
+  }
+}
+
+std::vector<TLRunState> TLRunState::list(const std::string& directory) {
+  std::vector<std::string> names;
+  hostForm().listDirectory(directory, names);
+  std::vector<TLRunState> states;
+  for (const auto& name : names) {
+    if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix)) continue;
+    if (auto state = load(hostForm().join(directory, name))) states.push_back(std::move(*state));
+  }
+  std::sort(states.begin(), states.end(),
+            [](const TLRunState& a, const TLRunState& b) { return a.started < b.started; });
+  return states;
+}

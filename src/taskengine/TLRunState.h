@@ -1,0 +1,55 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What is known of one step beyond what the messages carry.
+struct TLRunStateStep {
+  std::string name;
+  std::string executable;
+  std::string host;
+  std::int32_t status = 0;             ///< as in the answer to a status poll
+  std::vector<std::int32_t> children;  ///< tids; for a queued step its job number
+  std::int32_t queue = 0;              ///< 0 none, 1 SGE, 2 PBS, 3 LSF
+  std::int32_t jobNumber = 0;          ///< 0 none
+  double started = 0;                  ///< seconds since the epoch; 0 not yet
+  double ended = 0;                    ///< 0 not yet
+  std::string reason;                  ///< why it ended, one sentence; empty when it runs or all is well
+  std::string queueState;              ///< the queuing system's own word for the job; empty if none
+
+  bool operator==(const TLRunStateStep&) const = default;
+};
+
+/// The small file by which a daemon can be found and understood from outside: one per run, in the
+/// user's PVM directory, JSON with a version field, replaced atomically, removed at an orderly end.
+/// A file whose process is gone belongs to a daemon that was killed.
+class TLRunState {
+ public:
+  static constexpr int kVersion = 1;
+
+  std::int32_t tid = 0;   ///< of the daemon; 0 when it is not enrolled
+  int pid = 0;
+  std::string host;
+  std::string taskFile;   ///< full path
+  std::string taskName;
+  std::string logFile;    ///< where the output of the steps is collected; empty if nowhere
+  double started = 0;     ///< seconds since the epoch
+  std::vector<TLRunStateStep> steps;
+
+  bool operator==(const TLRunState&) const = default;
+
+  /// Path of the file of process `pid` in `directory`.
+  static std::string fileName(const std::string& directory, int pid);
+
+  /// Writes the file; 0 or an errno.
+  int save(const std::string& directory) const;
+  /// Removes the file of process `pid`.
+  static void remove(const std::string& directory, int pid);
+
+  /// Reads one file; none when it isn't there or is no state file.
+  static std::optional<TLRunState> load(const std::string& path);
+  /// All readable state files of a directory, oldest run first.
+  static std::vector<TLRunState> list(const std::string& directory);
+};
