@@ -1,0 +1,240 @@
+#include "messaging/TLVirtualMachine.h"
+
+#include <pvm3.h>
+
+#include <algorithm>
+#include <iterator>
+#include <utility>
+
+#include "platform/TLConsole.h"
+#include "platform/TLHostForm.h"
+#include "session/TLScript.h"
+#include "taskengine/TLProcessArguments.h"
+
+static_assert(kVirtualMachineOk == PvmOk && kVirtualMachineNoTask == PvmNoTask);
+
+namespace {
+
+RWCString gLastSpawn = "ok";
+
+int truth(int code) {
+  return code >= 0 ? 1 : 0;
+}
+
+// PVM takes its names as char*, but only reads them.
+char* mutableText(const RWCString& text) {
+  return const_cast<char*>(text.c_str());
+}
+
+// The argument vector of a spawn; null when there are no words.
+class ArgumentVector {
+ public:
+  explicit ArgumentVector(std::vector<RWCString> words) : words_(std::move(words)) {
+    for (auto& word : words_) pointers_.push_back(word.data());
+    pointers_.push_back(nullptr);
+  }
+  char** get() { return words_.empty() ? nullptr : pointers_.data(); }
+
+ private:
+  std::vector<RWCString> words_;
+  std::vector<char*> pointers_;
+};
+
+// What a spawn's failure means to the user: the text, with a name in front of or behind it.
+struct SpawnError {
+  enum class Name { none, hostBefore, hostBehind, executableBefore };
+  int code;
+  const char* text;
+  Name name;
+};
+
+constexpr SpawnError kSpawnErrors[] = {
+    {PvmBadParam, "bad argument value", SpawnError::Name::none},
+    {PvmNoHost, ": bad host name", SpawnError::Name::hostBefore},
+    {PvmNoFile, " cannot be found", SpawnError::Name::executableBefore},
+    {PvmNoMem, "Not enough memory on ", SpawnError::Name::hostBehind},
+    {PvmSysErr, "failed to connect to ", SpawnError::Name::hostBehind},
+    {PvmOutOfRes, "out of resource", SpawnError::Name::none},
+};
+
+const SpawnError* findSpawnError(int code) {
+  const auto* row = std::find_if(std::begin(kSpawnErrors), std::end(kSpawnErrors),
+                                 [code](const SpawnError& error) { return error.code == code; });
+  return row == std::end(kSpawnErrors) ? nullptr : row;
+}
+
+// The answer of the call comes before the code in the task's place; "ok" when neither is listed.
+RWCString spawnErrorText(int answer, int taskCode, const RWCString& host,
+                         const RWCString& executable) {
+  const SpawnError* error = findSpawnError(answer);
+  if (error == nullptr) error = findSpawnError(taskCode);
+  if (error == nullptr) return "ok";
+  switch (error->name) {
+    case SpawnError::Name::hostBefore:
+      return host + error->text;
+    case SpawnError::Name::hostBehind:
+      return error->text + host;
+    case SpawnError::Name::executableBefore:
+      return executable + error->text;
+    case SpawnError::Name::none:
+      break;
+  }
+  return error->text;
+}
+
+int refuseText(int code) {
+  console() << "TL_virtual_machine_unpack_message_buffer error: " << code << '\n';
+  return 0;
+}
+
+RWCString localMachineName() {
+  constexpr std::size_t kLongest = 256;
+  const RWCString name = hostForm().hostName();
+  return name.substr(0, std::min(name.find('.'), kLongest));
+}
+
+}  // namespace
+
+std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& archCount,
+                                       std::vector<TLVirtualMachineHost>& hosts) {
+  hosts.clear();
+  hostCount = 0;
+  archCount = 0;
+  pvmhostinfo* table = nullptr;
+  const int answer = pvm_config(&hostCount, &archCount, &table);
+  if (answer < 0 || table == nullptr) return answer;
+  for (int i = 0; i < hostCount; ++i) {
+    hosts.push_back(
+        {table[i].hi_tid, table[i].hi_name, table[i].hi_arch, table[i].hi_speed, table[i].hi_dsig});
+  }
+  return answer;
+}
+
+std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
+                                      const TLProcessArguments& arguments, std::int32_t& tid) {
+  ArgumentVector words(commandWords(arguments));
+  int task = 0;
+  const int answer =
+      pvm_spawn(mutableText(executable), words.get(), PvmTaskHost, mutableText(host), 1, &task);
+  tid = task;
+  gLastSpawn = "ok";
+  if (answer == 1) {
+    evalScript("task_manager_receive_message start_status_ok");
+    return 0;
+  }
+  const RWCString error = spawnErrorText(answer, task, host, executable);
+  evalScript("task_manager_receive_message \"TL_virtual_machine_errcode " + error + "\"");
+  evalScript("update");
+  gLastSpawn = error;
+  return task;
+}
+
+const RWCString& TL_virtual_machine_last_spawn() {
+  return gLastSpawn;
+}
+
+std::int32_t TL_virtual_machine_status(std::int32_t tid) {
+  return pvm_pstat(tid);
+}
+
+std::int32_t TL_virtual_machine_kill(std::int32_t tid) {
+  return tid < 1 ? 0 : pvm_kill(tid);
+}
+
+std::int32_t TL_virtual_machine_parent() {
+  const int parent = pvm_parent();
+  return parent == PvmNoParent ? 0 : parent;
+}
+
+std::int32_t TL_virtual_machine_mytid() {
+  return std::max(pvm_mytid(), 0);
+}
+
+void TL_virtual_machine_catchout(std::FILE* stream) {
+  pvm_catchout(stream);
+}
+
+int TL_virtual_machine_init_send_buffer() {
+  return truth(pvm_initsend(PvmDataDefault));
+}
+
+int TL_virtual_machine_pack_int(const std::int32_t* values, std::int32_t count) {
+  return truth(pvm_pkint(const_cast<int*>(values), count, 1));
+}
+
+int TL_virtual_machine_pack_float(const float* values, std::int32_t count) {
+  return truth(pvm_pkfloat(const_cast<float*>(values), count, 1));
+}
+
+int TL_virtual_machine_pack_double(const double* values, std::int32_t count) {
+  return truth(pvm_pkdouble(const_cast<double*>(values), count, 1));
+}
+
+int TL_virtual_machine_pack_string(const RWCString& text) {
+  return truth(pvm_pkstr(mutableText(text)));
+}
+
+int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag) {
+  return truth(pvm_send(tid, tag));
+}
+
+std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag) {
+  return std::max(pvm_recv(tid, tag), 0);
+}
+
+std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag) {
+  return std::max(pvm_nrecv(tid, tag), 0);
+}
+
+int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag) {
+  int bytes = 0;
+  return truth(pvm_bufinfo(buffer, &bytes, &tag, &source));
+}
+
+std::int32_t TL_virtual_machine_buffer_size(std::int32_t buffer) {
+  int bytes = 0;
+  int tag = 0;
+  int source = 0;
+  return pvm_bufinfo(buffer, &bytes, &tag, &source) < 0 ? 0 : bytes;
+}
+
+int TL_virtual_machine_free_buffer(std::int32_t buffer) {
+  return truth(pvm_freebuf(buffer));
+}
+
+int TL_virtual_machine_unpack_int(std::int32_t* value) {
+  return truth(pvm_upkint(value, 1, 1));
+}
+
+int TL_virtual_machine_unpack_double(double* value) {
+  return truth(pvm_upkdouble(value, 1, 1));
+}
+
+int TL_virtual_machine_unpack_float(float* values, std::int32_t count) {
+  return truth(pvm_upkfloat(values, count, 1));
+}
+
+int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t length) {
+  // PVM writes as many bytes as the string itself announces, whatever was said before it, but never
+  // more than the message holds: room for that many is safe against both numbers.
+  const std::int32_t size = TL_virtual_machine_buffer_size(pvm_getrbuf());
+  if (length < 0 || length > size) return refuseText(PvmNoData);
+  RWCString bytes(static_cast<std::size_t>(size) + 1, '\0');
+  const int answer = pvm_upkstr(bytes.data());
+  if (answer < 0) return refuseText(answer);
+  bytes.resize(bytes.find('\0'));
+  if (bytes.size() > static_cast<std::size_t>(length)) return refuseText(PvmOverflow);
+  text = std::move(bytes);
+  return 1;
+}
+
+RWCString ownHostName() {
+  std::int32_t hostCount = 0;
+  std::int32_t archCount = 0;
+  std::vector<TLVirtualMachineHost> hosts;
+  if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return localMachineName();
+  const int own = pvm_tidtohost(pvm_mytid());
+  const auto host = std::find_if(hosts.begin(), hosts.end(),
+                                 [own](const TLVirtualMachineHost& h) { return h.tid == own; });
+  return host == hosts.end() ? localMachineName() : host->name;
+}

@@ -1,0 +1,28 @@
+// What stands on top of the virtual machine's operations without calling PVM itself; goes with
+// either form of the layer, the real one and the recording one.
+#include <algorithm>
+
+#include "messaging/TLVirtualMachine.h"
+#include "taskengine/TLProcessArguments.h"
+
+std::vector<RWCString> commandWords(const TLProcessArguments& arguments) {
+  std::vector<RWCString> words;
+  for (const auto& argument : arguments.entries()) {
+    const RWCString& type = argument->type();
+    const RWCString& value = argument->value();
+    if (value == "undefined") continue;
+    if (type != "none") words.push_back(type);
+    if (type == "none" || value != "none") words.push_back(value);
+  }
+  return words;
+}
+
+std::int32_t hostIsWin32(const RWCString& hostName) {
+  std::int32_t hostCount = 0;
+  std::int32_t archCount = 0;
+  std::vector<TLVirtualMachineHost> hosts;
+  if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return 1;
+  const auto host = std::find_if(hosts.begin(), hosts.end(),
+                                 [&](const TLVirtualMachineHost& h) { return h.name == hostName; });
+  return host == hosts.end() || host->arch == "WIN32" ? 1 : 0;
+}
