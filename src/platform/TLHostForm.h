@@ -16,10 +16,10 @@ enum class TLHostKind { win32, posix };
 /// The programs by which the suite handles local files; each text is ready to be followed by names
 /// and ends in a blank.
 struct TLFileCommands {
-  std::string remove;           ///< one file
-  std::string removeTree;       ///< a directory with all in it
+  std::string remove;      ///< one file
+  std::string removeTree;  ///< a directory with all in it
   std::string copy;
-  std::string move;             ///< replaces its target
+  std::string move;  ///< replaces its target
   std::string makeDirectory;
 };
 
@@ -38,7 +38,7 @@ class TLHostForm {
 
   /// @name Names and paths.
   /// @{
-  virtual char separator() const = 0;             ///< '\\' or '/'
+  virtual char separator() const = 0;                  ///< '\\' or '/'
   virtual std::string_view programSuffix() const = 0;  ///< ".exe" or ""
   virtual std::string_view scriptSuffix() const = 0;   ///< ".bat" or ""
   /// Every "/" as the form's own separator (win32: "\\"; posix: unchanged).
@@ -63,13 +63,20 @@ class TLHostForm {
   virtual TLSettingsStore& settings() = 0;
   /// The commands of the suite rooted at `suiteDirectory` (posix: the system's own).
   virtual TLFileCommands fileCommands(std::string_view suiteDirectory) const = 0;
+  /// An environment variable of this process; none when it isn't set.
+  std::optional<std::string> variable(const std::string& name) const;
+  /// As above, empty when it isn't set.
+  std::string variableOrEmpty(const std::string& name) const;
+  /// Sets an environment variable for this process and all that it starts from now on.
+  void setVariable(const std::string& name, const std::string& value);
   /// @}
 
   /// @name Processes.
   /// @{
   /// Runs a command line and waits for it. Standard output and error go to `outputFile`, created
-  /// or emptied, unless that name is empty. Answers the exit code; a start that failed answers an
-  /// error code and sets `started` false.
+  /// or emptied, unless that name is empty. Answers the exit code (128 and the signal's number for
+  /// a process that a signal ended); a start that failed answers an error code and sets `started`
+  /// false.
   virtual int runRedirected(std::string_view command, std::string_view outputFile,
                             bool& started) = 0;
   /// Runs a command line by the system's command processor; answers its status, 0 for success.
@@ -87,7 +94,8 @@ class TLHostForm {
   virtual std::optional<std::string> readFile(std::string_view path) const = 0;
   /// Puts `text` in the place of a file: written beside it, synced, renamed over it with the mode
   /// and owner of the old one. On failure the old file stands untouched, nothing is left beside
-  /// it, and the answer is the errno (0 for success).
+  /// it, and the answer is the errno (0 for success). An existing file that can't be written is
+  /// refused. What is no regular file (a pipe, a terminal) is written to as it is.
   virtual int replaceFile(std::string_view path, std::string_view text) = 0;
   virtual bool makeDirectory(std::string_view path) = 0;
   /// All names in a directory, "." and ".." included, appended to `names`; nothing when there is
@@ -120,6 +128,17 @@ void setHostForm(TLHostKind kind);
 std::unique_ptr<TLHostForm> exchangeHostForm(std::unique_ptr<TLHostForm> form);
 
 std::unique_ptr<TLHostForm> makePosixForm();
-/// `root` is the real directory that stands for the drive "C:" and for paths without a drive that
-/// begin with "\\"; empty means "/".
+
+/// What a win32 form takes from elsewhere when it doesn't run on such a host.
+struct TLWin32Setup {
+  /// The real directory that stands for the drive "C:" and for paths without a drive that begin
+  /// with "\\"; empty means "/". Another drive is the directory of its name in it ("D:").
+  std::string root;
+  /// The settings; null for an empty TLMemorySettings.
+  std::shared_ptr<TLSettingsStore> settings;
+  /// What executablePath answers; empty for the real path in the form's notation.
+  std::string executable;
+};
+
+std::unique_ptr<TLHostForm> makeWin32Form(TLWin32Setup setup);
 std::unique_ptr<TLHostForm> makeWin32Form(std::string root = {});

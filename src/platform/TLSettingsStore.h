@@ -5,8 +5,8 @@
 #include <string_view>
 
 /// The per-machine settings: named values under keys such as
-/// "Software\\TALVEN International\\mire121". The registry on a Windows host, an INI file elsewhere,
-/// whose sections are the key names. Names and keys are compared without regard to case.
+/// "Software\\TALVEN International\\mire121". The registry on a Windows host, an INI file
+/// elsewhere, whose sections are the key names. Names and keys are compared without regard to case.
 class TLSettingsStore {
  public:
   virtual ~TLSettingsStore() = default;

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/TLMemorySettings.h"
+
+/// Settings kept in an INI file, whose sections are the keys:
+///
+///   [Software\TALVEN International\mire71]
+///   TALVEN_DIR = /opt/suite/mire71
+///
+/// Lines that begin with ";" or "#" are comments; blanks around a name and its value are cut. The
+/// file is read anew at each question (start-up asks a handful), so that it is never stale. A file
+/// that can't be read has no keys.
+class TLIniSettings : public TLSettingsStore {
+ public:
+  /// `locate` answers the file's path, empty for none; it is asked at each question.
+  explicit TLIniSettings(std::function<std::string()> locate);
+
+  bool hasKey(std::string_view key) const override;
+  std::optional<std::string> value(std::string_view key, std::string_view name) const override;
+
+  /// The keys and values of an INI text. Lines that are none of section, value and comment are
+  /// passed over.
+  static TLMemorySettings parse(std::string_view text);
+
+ private:
+  TLMemorySettings load() const;
+
+  std::function<std::string()> locate_;
+};
