@@ -1,0 +1,184 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "balancing/TLLoadBalancing.h"
+#include "balancing/VPartParameters.h"
+#include "messaging/TLProcessMessage.h"
+#include "messaging/TLSteeringParameters.h"
+#include "taskengine/TLProcessArguments.h"
+#include "textio/Handle.h"
+#include "textio/RWCString.h"
+#include "textio/RefCounted.h"
+#include "textio/TLTextSink.h"
+#include "textio/TLTextSource.h"
+
+class TLTask;
+
+/// One step of a task: what it runs, where, with which arguments, and all that is known of its
+/// processes while it lives. The sub-task is the unit of launch; its `status` says how far it is.
+///
+/// A sub-task lives on the heap, held by Handles, and is used on the main thread. Its operations
+/// answer by value; none throws. Lists of tids hold no duplicates when they grow through the add
+/// operations. A `tid` above 0 is a task of the virtual machine; for a step of a queuing system the
+/// first child is the number of its job.
+class TLSubTask : public RefCounted {
+ public:
+  /// Values of `status`. From finishedOk on they are terminal: a status doesn't leave them within
+  /// one run.
+  enum Status : std::int32_t {
+    Pending = 0,
+    Running = 1,
+    FinishedOk = 2,
+    FinishedKo = 3,
+    Crashed = 4,
+    Stopped = 5
+  };
+
+  /// Values of `finishMessage.tag` besides the tag of a stored end message.
+  /// @{
+  static constexpr std::int32_t kNoEndSeen = -1;    ///< vanishing now is a crash
+  static constexpr std::int32_t kEndReplayed = -2;  ///< sent again to a new interface
+  static constexpr std::int32_t kEndRequested = 1;  ///< stopped on purpose
+  /// @}
+
+  /// Answer of start() when the files of the step could not be copied to its host.
+  static constexpr int kCopyFailed = -100;
+
+  /// The defaults; enters the process's parent in `parents` and asks the virtual machine for the
+  /// kind of the host.
+  TLSubTask();
+  TLSubTask(const TLSubTask&) = delete;
+  TLSubTask& operator=(const TLSubTask&) = delete;
+
+  /// @name Virtual operations, in the order of their slots.
+  /// @{
+  ~TLSubTask() override;
+  /// Makes this a copy of `other` for a new run: identity, host, arguments and settings are copied,
+  /// everything that belongs to a run starts anew.
+  virtual void assign(const TLSubTask& other);
+  /// False when a value among `arguments` is still "unknown" or "undefined"; gLastError then says
+  /// so.
+  virtual bool argumentsDefined();
+  /// Launches the step. 0 on success (a disabled step ends at once), kCopyFailed, or another code
+  /// of failure.
+  virtual int start();
+  /// Reads and handles, without waiting, all messages from `tid` with `tag` (-1 for any).
+  /// Answers 1.
+  virtual int pollMessages(std::int32_t tid, std::int32_t tag);
+  /// As pollMessages, but waits for the first message.
+  virtual int waitMessage(std::int32_t tid, std::int32_t tag);
+  /// Reacts to one message of the step's own processes. May change `message` and send it on.
+  virtual void handleMessage(TLProcessMessage& message);
+  /// Reads the step's block of a task file behind its opening line. 1, or 0 at the first value that
+  /// is missing; what was read until then stays.
+  virtual int read(TLTextSource& stream);
+  /// Writes the lines of the step's block, without those that open and close it.
+  virtual void write(TLTextSink& stream) const;
+  /// @}
+
+  /// @name Status.
+  /// @{
+  /// "pending", "running", ... ; "not a correct status" for any other number.
+  RWCString statusWord() const;
+  bool isTerminal() const { return status >= FinishedOk && status <= Stopped; }
+  bool isQueued() const { return loadBalancing.queuingSystemActivated != 0; }
+  /// The one place that learns the truth about the step: asks the queuing system, the status file
+  /// or the virtual machine, changes `status` accordingly and answers true while the step runs.
+  bool isRunning();
+  /// @}
+
+  /// @name Lists.
+  /// @{
+  /// Null when `position` is outside.
+  Handle<TLProcessArgument> argument(std::int32_t position) const;
+  Handle<TLProcessArgument> spawnArgument(std::int32_t position) const;
+  /// 0 when `position` is outside.
+  std::int32_t child(std::int32_t position) const;
+  std::int32_t parent(std::int32_t position) const;
+  std::int32_t firstProcessId() const;
+  void addChild(std::int32_t tid);
+  void addProcessId(std::int32_t id);
+  /// Enters a parent with the present `steeringDirty`; nothing changes when it is there already.
+  void addParent(std::int32_t tid);
+  /// The owning task; prints a warning when there is none.
+  Handle<TLTask> parentTask() const;
+  void setParentTask(TLTask* task);
+  /// @}
+
+  /// @name Messages.
+  /// @{
+  /// Sends to each parent above 0, in order.
+  void sendToParents(TLProcessMessage& message) const;
+  /// As sendToParents, adding 10000 to the tag before each send; the sum accumulates.
+  void sendToParentsOffset(TLProcessMessage& message) const;
+  /// Sends to each child above 0, in order. 0 when there are no children, else 1.
+  int sendToChildren(TLProcessMessage& message) const;
+  /// True when the run files named in `message` hold every run file of `spawnArguments`, which must
+  /// not be empty. A message 20 must also end in an integer.
+  bool runFileMatches(const TLProcessMessage& message) const;
+  /// @}
+
+  /// @name Steering.
+  /// @{
+  /// Gives the interface `tid` the values that it lacks by `known` (null: nothing known).
+  void sendSteering(std::int32_t tid, const Handle<TLSteeringParameters>& known);
+  /// Takes over a new set; histories of parameters that stay are kept. Null drops the present set.
+  void applyNewSteering(const Handle<TLSteeringParameters>& parameters);
+  /// Takes a new set read from the steering file `path`, whatever the result of the reading, which
+  /// is answered.
+  int loadSteering(const RWCString& path);
+  /// @}
+
+  /// Removes what a crashed parallel solver left locked on its hosts.
+  void removeSemaphores();
+  /// Asks the virtual machine's host table again.
+  void updateHostKind();
+
+  /// @name The record, in its order.
+  /// @{
+  TLProcessMessage finishMessage;  ///< end message kept; its tag is a state, see above
+  TLProcessMessage errorLines;     ///< texts of message 8, the lines of a crash report
+  TLLoadBalancing loadBalancing;
+  TLProcessArguments spawnArguments;  ///< command line as last composed at launch
+  std::vector<std::int32_t> processIds;
+  std::vector<std::int32_t> children;
+  std::vector<std::int32_t> parents;
+  /// In step with `parents`: 1 when that parent lacks the current steering values.
+  std::vector<std::int32_t> parentSteeringDirty;
+  std::int32_t steeringDirty = 0;
+  RWCString remoteLogin;  ///< empty: the same user
+  std::vector<Handle<TLProcessMessage>> inbox;
+  Handle<TLSteeringParameters> steering;
+  TLProcessArguments arguments;      ///< as the task file gives them
+  RWCString executable = "unknown";  ///< program, without directory
+  RWCString hostName = "unknown";
+  std::int32_t isWin32Host = 1;
+  RWCString remoteTmpDir;          ///< where run directories are made on a remote host
+  RWCString remoteRunDir;          ///< the one made for this run; empty for none
+  RWCString name = "unknown";      ///< kind of the step
+  std::int32_t startingDate = -1;  ///< -1 at once, -2 after `startAfterTask`
+  std::int32_t endingDate = -1;
+  std::int32_t status = Pending;
+  std::int32_t stopRequest = 0;  ///< 1 after the script asked a marine solver to stop by file
+  std::int32_t waitingTask = 1;  ///< 1 waits for all steps before it, 0 runs beside them
+  std::int32_t automaticMemoryEstimation = 1;
+  std::int32_t userSolverPrecision = 0;  ///< 0 single, 1 double
+  std::int64_t integerSize = 1000000;
+  std::int64_t realSize = 1000000;
+  std::int32_t index = 0;  ///< place in the task, from 0, set at its start
+  std::int32_t steeringAsked = 0;
+  RWCString startAfterTask;
+  VPartParameters virtualPartition;
+  std::int32_t enabled = 1;  ///< 0: start() finishes the step at once
+  RWCString perfCurveName = "unknown";
+  /// @}
+
+  /// Why the step ended, in words for people; empty as long as it hasn't. Not part of the record's
+  /// file.
+  RWCString endReason;
+
+ private:
+  Handle<TLTask> parentTask_;
+};
