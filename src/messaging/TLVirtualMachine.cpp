@@ -191,11 +191,11 @@ int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, st
   return truth(pvm_bufinfo(buffer, &bytes, &tag, &source));
 }
 
-std::int32_t TL_virtual_machine_buffer_size(std::int32_t buffer) {
+std::int32_t TL_virtual_machine_message_size() {
   int bytes = 0;
   int tag = 0;
   int source = 0;
-  return pvm_bufinfo(buffer, &bytes, &tag, &source) < 0 ? 0 : bytes;
+  return pvm_bufinfo(pvm_getrbuf(), &bytes, &tag, &source) < 0 ? 0 : bytes;
 }
 
 int TL_virtual_machine_free_buffer(std::int32_t buffer) {
@@ -217,7 +217,7 @@ int TL_virtual_machine_unpack_float(float* values, std::int32_t count) {
 int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t length) {
   // PVM writes as many bytes as the string itself announces, whatever was said before it, but never
   // more than the message holds: room for that many is safe against both numbers.
-  const std::int32_t size = TL_virtual_machine_buffer_size(pvm_getrbuf());
+  const std::int32_t size = TL_virtual_machine_message_size();
   if (length < 0 || length > size) return refuseText(PvmNoData);
   RWCString bytes(static_cast<std::size_t>(size) + 1, '\0');
   const int answer = pvm_upkstr(bytes.data());

@@ -17,7 +17,7 @@ class TLProcessArguments;
 
 /// One host of the virtual machine.
 struct TLVirtualMachineHost {
-  std::int32_t tid = 0;    ///< of the host's daemon
+  std::int32_t tid = 0;  ///< of the host's daemon
   RWCString name;
   RWCString arch;          ///< "WIN32" for a Windows host
   std::int32_t speed = 0;  ///< relative speed
@@ -73,8 +73,9 @@ int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag);
 std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag);  ///< blocks
 std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag);
 int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag);
-/// Bytes of a received buffer, the bound of every count that it may announce; 0 when unknown.
-std::int32_t TL_virtual_machine_buffer_size(std::int32_t buffer);
+/// Bytes of the active receive buffer, the bound of every count and length that it may announce; 0
+/// when there is none.
+std::int32_t TL_virtual_machine_message_size();
 int TL_virtual_machine_free_buffer(std::int32_t buffer);
 int TL_virtual_machine_unpack_int(std::int32_t* value);
 int TL_virtual_machine_unpack_double(double* value);

@@ -158,10 +158,8 @@ int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, st
   return 1;
 }
 
-std::int32_t TL_virtual_machine_buffer_size(std::int32_t buffer) {
-  const auto found = vm().buffers.find(buffer);
-  if (found == vm().buffers.end()) return 0;
-  return static_cast<std::int32_t>(found->second.body.bytes().size());
+std::int32_t TL_virtual_machine_message_size() {
+  return active() == nullptr ? 0 : static_cast<std::int32_t>(active()->bytes().size());
 }
 
 int TL_virtual_machine_free_buffer(std::int32_t buffer) {

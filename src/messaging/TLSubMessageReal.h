@@ -1,0 +1,16 @@
+#pragma once
+
+#include "messaging/TLSubMessage.h"
+
+/// One 64-bit real.
+class TLSubMessageReal : public TLSubMessage {
+ public:
+  TLSubMessageReal() = default;
+  explicit TLSubMessageReal(double initial) : value(initial) {}
+
+  bool unpack() override;
+  bool pack() const override;
+  std::int32_t type() const override { return 3; }
+
+  double value = 0;
+};
