@@ -92,6 +92,10 @@ bool TLUnixHost::canRead(std::string_view path) const {
   return TLDescriptor(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC)).open();
 }
 
+bool TLUnixHost::canMakeFilesIn(std::string_view directory) const {
+  return ::access(directory.empty() ? "." : realPath(directory).c_str(), W_OK | X_OK) == 0;
+}
+
 bool TLUnixHost::canWrite(std::string_view path, int& error) const {
   const TLDescriptor file(::open(realPath(path).c_str(), O_RDWR | O_CLOEXEC));
   error = file.open() ? 0 : errno;
