@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <bit>
 
+#include "platform/TLConsole.h"
+
 std::uint32_t TLWordIndex::hash(std::string_view word) {
   std::uint32_t value = 2166136261U;  // FNV-1a
   for (const char c : word) {
@@ -42,4 +44,16 @@ void TLWordIndex::rebuild() {
     firstLetters_[static_cast<unsigned char>(lower)] = true;
     if (lower >= 'a' && lower <= 'z') firstLetters_[static_cast<unsigned char>(lower - 32)] = true;
   }
+}
+
+int readVersion(std::string_view line, std::string_view failure, double& version) {
+  TLTokens tokens(line);
+  tokens.next();
+  const auto number = tokens.next();
+  if (number.empty()) {
+    console() << failure << '\n' << std::flush;
+    return 0;
+  }
+  version = realFrom(number);
+  return 1;
 }

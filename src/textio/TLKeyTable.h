@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <initializer_list>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "textio/TLNumbers.h"
+#include "textio/TLTextSink.h"
 #include "textio/TLTextSource.h"
 #include "textio/TLTokenReader.h"
 #include "textio/TLTokens.h"
@@ -21,16 +23,21 @@ struct TLKeyContext {
   TLTextSource& source;
   TLTokenReader& reader;
   std::string_view line;
+  std::string_view blockName = {};  ///< the matching row's second word
 };
 
 /// One row of a record's format: the word that a line must hold (any token of it, case ignored),
 /// a second word that it must hold as well (a block's name beside "tl_begin"; empty for none), and
-/// what to do with the line.
+/// what to do with the line. A key that is written too has its place among the lines of the block,
+/// the literal that stands in front of its value and the writer, which puts out the whole line.
 template <class Record>
 struct TLKey {
   std::string_view word;
   std::string_view secondWord;
   TLKeyResult (*action)(Record& record, TLKeyContext& context);
+  int place = 0;  ///< order of writing, from 1; 0: only read
+  std::string_view literal = {};
+  void (*write)(const Record& record, TLTextSink& sink, std::string_view literal) = nullptr;
 };
 
 /// Finds the words of a fixed vocabulary, case ignored, in the tokens of a line.
@@ -69,29 +76,31 @@ class TLWordIndex {
 template <class Record>
 class TLKeyTable {
  public:
-  /// `recordName` appears in messages about lines that no row matches.
-  TLKeyTable(std::string_view recordName, std::initializer_list<TLKey<Record>> rows)
-      : recordName_(recordName), rows_(rows) {
-    for (std::size_t i = 0; i < rows_.size(); ++i) {
-      const auto& row = rows_[i];
-      const int first = words_.add(row.word);
-      const int second = row.secondWord.empty() ? TLWordIndex::kNone : words_.add(row.secondWord);
-      byWord_.resize(words_.size());
-      byWord_[first].push_back({static_cast<int>(i), second});
-    }
-    byWord_.resize(words_.size());
-  }
+  /// `recordName` appears in messages about lines that no row matches. For each of `closingNames` a
+  /// row is added behind the others: the line "tl_end" with that name ends the block.
+  TLKeyTable(std::string_view recordName, std::initializer_list<TLKey<Record>> rows,
+             std::initializer_list<std::string_view> closingNames = {});
 
   /// The row for `line`, or null.
   const TLKey<Record>* match(std::string_view line) const {
     std::array<int, kMostFound> found;
     int count = 0;
     TLTokens tokens(line);
-    for (auto token = tokens.next(); !token.empty() && count < kMostFound; token = tokens.next()) {
+    for (auto token = tokens.next(); !token.empty(); token = tokens.next()) {
       const int word = words_.find(token);
-      if (word != TLWordIndex::kNone) found[count++] = word;
+      if (word == TLWordIndex::kNone || holds(found.data(), count, word)) continue;
+      if (count == kMostFound) return matchRowByRow(line);
+      found[count++] = word;
     }
     return count == 0 ? nullptr : firstRow(found.data(), count);
+  }
+
+  /// Writes the keys that have a place from `first` to `last`, in the order of their places.
+  void write(const Record& record, TLTextSink& sink, int first = 1, int last = kLastPlace) const {
+    for (const std::size_t i : written_) {
+      const auto& row = rows_[i];
+      if (row.place >= first && row.place <= last) row.write(record, sink, row.literal);
+    }
   }
 
   std::string_view recordName() const { return recordName_; }
@@ -104,6 +113,18 @@ class TLKeyTable {
     int secondWord;
   };
   static constexpr int kMostFound = 64;
+  static constexpr int kLastPlace = 1 << 30;
+
+  // For lines that hold more of the table's words than are kept.
+  const TLKey<Record>* matchRowByRow(std::string_view line) const {
+    for (const auto& row : rows_) {
+      if (TLTokenReader::lineHasToken(line, row.word) &&
+          (row.secondWord.empty() || TLTokenReader::lineHasToken(line, row.secondWord))) {
+        return &row;
+      }
+    }
+    return nullptr;
+  }
 
   const TLKey<Record>* firstRow(const int* found, int count) const {
     int best = static_cast<int>(rows_.size());
@@ -129,6 +150,7 @@ class TLKeyTable {
 
   std::string_view recordName_;
   std::vector<TLKey<Record>> rows_;
+  std::vector<std::size_t> written_;  // rows that have a place, in its order
   TLWordIndex words_;
   std::vector<std::vector<Candidate>> byWord_;
 };
@@ -150,6 +172,7 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
       }
       continue;
     }
+    context.blockName = row->secondWord;
     switch (row->action(record, context)) {
       case TLKeyResult::next: break;
       case TLKeyResult::done: return 1;
@@ -157,6 +180,10 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
     }
   }
 }
+
+/// The version operation of all blocks: the second token of `line` as a number. When it is missing,
+/// prints `failure` on a line and answers 0.
+int readVersion(std::string_view line, std::string_view failure, double& version);
 
 inline TLKeyResult nextIf(int good) { return good != 0 ? TLKeyResult::next : TLKeyResult::failed; }
 
@@ -181,4 +208,101 @@ TLKeyResult skipBlock(Record& /*record*/, TLKeyContext& context) {
   }
   context.reader.skipToBlockEnd(context.line);
   return TLKeyResult::next;
+}
+
+/// The class and the type of a data member, from a pointer to it.
+template <class>
+struct TLMemberTraits;
+template <class Owner, class Value>
+struct TLMemberTraits<Value Owner::*> {
+  using Class = Owner;
+  using Type = Value;
+};
+
+/// The value of a key's line: reals and words by the sink's own formatting, three reals one blank
+/// apart.
+template <class Value>
+void writeValue(TLTextSink& sink, const Value& value) {
+  sink << value;
+}
+inline void writeValue(TLTextSink& sink, const std::array<double, 3>& value) {
+  sink << value[0] << ' ' << value[1] << ' ' << value[2];
+}
+
+/// Reads three reals into one member.
+inline int readArray3(TLTokenReader& reader, std::string_view line, std::array<double, 3>& value) {
+  return reader.readVector3(line, value[0], value[1], value[2]);
+}
+
+/// True when the reader's operation is the one for toggles, which are written as words.
+template <auto Operation>
+constexpr bool isToggleOperation() {
+  if constexpr (std::is_same_v<decltype(Operation), decltype(&TLTokenReader::readToggle)>) {
+    return Operation == &TLTokenReader::readToggle;
+  } else {
+    return false;
+  }
+}
+
+/// Row of a plain value: its word, the operation and the member it goes to, and where it is
+/// written and how (no place: only read).
+///   valueKey<&TLUnits::name_, &TLTokenReader::readString>("value_units_name", 2, "  NAME  ")
+template <auto Member, auto Operation,
+          class Record = typename TLMemberTraits<decltype(Member)>::Class>
+constexpr TLKey<Record> valueKey(std::string_view word, int place = 0,
+                                 std::string_view literal = {}) {
+  return {word, "",
+          [](Record& record, TLKeyContext& context) {
+            if constexpr (std::is_member_function_pointer_v<decltype(Operation)>) {
+              return nextIf((context.reader.*Operation)(context.line, record.*Member));
+            } else {
+              return nextIf(Operation(context.reader, context.line, record.*Member));
+            }
+          },
+          place, literal,
+          [](const Record& record, TLTextSink& sink, std::string_view text) {
+            if constexpr (isToggleOperation<Operation>()) {
+              TLTokenReader::writeToggle(sink, record.*Member, text);
+            } else {
+              sink << text;
+              writeValue(sink, record.*Member);
+              sink << '\n';
+            }
+          }};
+}
+
+/// Row of the version line: the version operation of a record whose member `Member` holds the
+/// number. `Failure`, a character array, is what is printed when the number is missing; the line
+/// written is `literal`, which has the number in it.
+template <auto Member, const char* Failure,
+          class Record = typename TLMemberTraits<decltype(Member)>::Class>
+constexpr TLKey<Record> versionKey(int place = 0, std::string_view literal = {}) {
+  return {"version", "",
+          [](Record& record, TLKeyContext& context) {
+            return nextIf(readVersion(context.line, Failure, record.*Member));
+          },
+          place, literal,
+          [](const Record& /*record*/, TLTextSink& sink, std::string_view text) {
+            sink << text << '\n';
+          }};
+}
+
+template <class Record>
+TLKeyTable<Record>::TLKeyTable(std::string_view recordName,
+                               std::initializer_list<TLKey<Record>> rows,
+                               std::initializer_list<std::string_view> closingNames)
+    : recordName_(recordName), rows_(rows) {
+  for (const auto name : closingNames) rows_.push_back({"tl_end", name, &endBlock<Record>});
+  for (std::size_t i = 0; i < rows_.size(); ++i) {
+    const auto& row = rows_[i];
+    const int first = words_.add(row.word);
+    const int second = row.secondWord.empty() ? TLWordIndex::kNone : words_.add(row.secondWord);
+    byWord_.resize(words_.size());
+    byWord_[first].push_back({static_cast<int>(i), second});
+    if (row.place > 0) written_.push_back(i);
+  }
+  byWord_.resize(words_.size());
+  std::stable_sort(written_.begin(), written_.end(), [this](std::size_t a, std::size_t b) {
+    return rows_[a].place < rows_[b].place;
+  });
 }

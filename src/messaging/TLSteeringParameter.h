@@ -1,0 +1,104 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "parameters/TLChoiceEntry.h"
+#include "parameters/TLIntegerEntry.h"
+#include "parameters/TLRealEntry.h"
+#include "parameters/TLStringEntry.h"
+#include "parameters/TLVectorEntry.h"
+#include "textio/Handle.h"
+#include "textio/RWCString.h"
+#include "textio/RefCounted.h"
+#include "textio/TLTextSink.h"
+#include "textio/TLTextSource.h"
+
+/// Kinds of series; the value of TLSteeringParameter::type.
+enum TLSteeringType : std::int32_t {
+  TL_STEERING_RESIDUAL = 0,
+  TL_STEERING_CURVE = 1,
+  TL_STEERING_SURFACE = 2
+};
+
+/// One thing to watch or to steer in a running flow solver: its settings, as typed entries, and the
+/// values reported for it, as a series of points.
+class TLSteeringParameter : public RefCounted {
+ public:
+  /// Reads the record behind its opening line. 1, or 0 on a malformed line. The counts read say how
+  /// many points the binary file holds; the points come with readValues.
+  int read(TLTextSource& source);
+  /// Writes the lines of the record, without opening and closing.
+  void write(TLTextSink& sink) const;
+
+  /// @name The series.
+  /// @{
+  /// Number of points. A set that tells what somebody holds has counts without points.
+  std::int32_t valueCount() const { return valueCount_; }
+  /// Sets the count alone and lets the points go: for sets that only tell what somebody holds.
+  void setValueCount(std::int32_t count);
+  /// Abscissas (for a residual, iteration numbers) and ordinates, valueCount of each; null when no
+  /// points are held. Valid until the series changes.
+  const float* xValues() const { return capacity_ == 0 ? nullptr : x_.data(); }
+  const float* yValues() const { return capacity_ == 0 ? nullptr : y_.data(); }
+  /// Allocated points, in steps of 100; 0 for none.
+  std::int32_t capacity() const { return capacity_; }
+
+  /// Stores the type; when it differs from the present one the values are cleared.
+  void setType(std::int32_t newType);
+  /// Frees the points, if there are any. A count without points stays.
+  void clearValues();
+  /// Takes over the points of `other`, which is left without any.
+  void takeValues(TLSteeringParameter& other);
+  /// Takes in `count` reported points. Points whose y is not finite are dropped; for a residual also
+  /// those whose x is not above the last one kept. The others are appended for a residual, and
+  /// replace the series for any other type.
+  void mergeValues(std::int32_t count, const float* x, const float* y);
+  /// Appends the series to the text of a binary file: all x, then all y, each a big-endian IEEE-754
+  /// binary32.
+  void writeValues(TLTextSink& sink) const;
+  /// Takes as many points as the count says from the front of `bytes` and cuts them off there.
+  /// What is missing reads as 0.
+  void readValues(std::string_view& bytes);
+  /// @}
+
+  /// @name The settings, by position from 0. Access beyond the end of a list appends defaults up to
+  /// it; null for a negative position or one beyond TL_STEERING_MOST_ENTRIES.
+  /// @{
+  static constexpr int TL_STEERING_MOST_ENTRIES = 100000;
+  Handle<TLChoiceEntry> choiceEntry(int position);
+  Handle<TLRealEntry> realEntry(int position);
+  Handle<TLVectorEntry> vectorEntry(int position);
+  Handle<TLIntegerEntry> integerEntry(int position);
+  Handle<TLStringEntry> stringEntry(int position);
+  /// @}
+
+  double version = 2.0;
+  std::int32_t type = TL_STEERING_RESIDUAL;  ///< change it with setType
+  RWCString typeName = "UNDEFINED";
+  RWCString userName = "UNDEFINED";  ///< read, never written
+  RWCString valueUnitsName = "UNDEFINED";
+  RWCString name = "UNDEFINED";  ///< identifies the parameter in all messages
+  std::int32_t typeId = 1;
+  std::int32_t typeOpsel = 1;
+  RWCString condition;  ///< read, never written
+  std::vector<Handle<TLChoiceEntry>> choiceEntries;
+  std::vector<Handle<TLRealEntry>> realEntries;
+  std::vector<Handle<TLVectorEntry>> vectorEntries;
+  std::vector<Handle<TLIntegerEntry>> integerEntries;
+  std::vector<Handle<TLStringEntry>> stringEntries;
+  std::int32_t gridLevelI = 0;
+  std::int32_t gridLevelJ = 0;
+  std::int32_t gridLevelK = 0;
+
+ private:
+  friend struct TLSteeringParameterKeys;
+  void growTo(std::int32_t count);
+  void reserve(std::int32_t count);
+
+  std::vector<float> x_;
+  std::vector<float> y_;
+  std::int32_t valueCount_ = 0;
+  std::int32_t capacity_ = 0;
+  std::int32_t entriesRead_ = 0;
+};

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "parameters/TLEntry.h"
+
+/// A text. In the value form its name is one word and its value the rest of the line.
+class TLStringEntry : public TLEntry {
+ public:
+  int readLine(std::string_view line) override;
+  int read(TLTextSource& source) override;
+  int readBlock(TLTextSource& source) { return read(source); }
+  void write(TLTextSink& sink) const override;
+
+  RWCString value;
+};
