@@ -18,9 +18,12 @@ std::string_view fileName(std::int32_t projectType, std::int32_t solverMode) {
   if (projectType != kHexaProject) return "/velstra_steering.def";
   switch (solverMode) {
     case 0:
-    case 2: return "/lumbrake_steering.def";
-    case 1: return "/lumbrake_steering_auto.def";
-    default: return {};
+    case 2:
+      return "/lumbrake_steering.def";
+    case 1:
+      return "/lumbrake_steering_auto.def";
+    default:
+      return {};
   }
 }
 
@@ -68,7 +71,8 @@ void TLSteeringDataBase::load(std::int32_t projectType, std::int32_t solverMode)
   const RWCString path = directory + RWCString(file);
   auto text = hostForm().readFile(path);
   if (!text) {
-    console() << "**** Cannot Open Steering DataBase, Check the file \n" << path << '\n'
+    console() << "**** Cannot Open Steering DataBase, Check the file \n"
+              << path << '\n'
               << std::flush;
     std::exit(0);
   }

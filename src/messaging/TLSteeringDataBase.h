@@ -19,8 +19,8 @@ class TLSteeringDataBase {
   /// Reads the lines of a definition file. 1, or 0 on a malformed record.
   int read(TLTextSource& source);
 
-  /// A new parameter of the kind `typeOpsel`, with copies of the settings that the interface has for
-  /// it; null when the database lacks the kind or the settings.
+  /// A new parameter of the kind `typeOpsel`, with copies of the settings that the interface has
+  /// for it; null when the database lacks the kind or the settings.
   Handle<TLSteeringParameter> makeParameter(std::int32_t typeOpsel) const;
 
   std::vector<Handle<TLSteeringParameter>> solverParameters;

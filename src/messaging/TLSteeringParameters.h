@@ -24,16 +24,16 @@ class TLSteeringParameters : public RefCounted {
   int readText(TLTextSource& source);
   /// Writes the text part.
   void writeText(TLTextSink& sink) const;
-  /// Writes both files to `name` and clears `modified`. Nothing for a set without a file or one that
-  /// is never saved (`updateInBatch` 1).
+  /// Writes both files to `name` and clears `modified`. Nothing for a set without a file or one
+  /// that is never saved (`updateInBatch` 1).
   void save();
   /// Writes both files, or nothing as told for save. A file that can't be written stays as it is.
   void saveAs(std::string_view path) const;
   /// Drops the values of all parameters.
   void clearAllValues();
 
-  /// The parameter at `position` from 0. Access beyond the end appends new ones up to it; null for a
-  /// negative position or one beyond TL_STEERING_MOST_PARAMETERS.
+  /// The parameter at `position` from 0. Access beyond the end appends new ones up to it; null for
+  /// a negative position or one beyond TL_STEERING_MOST_PARAMETERS.
   static constexpr int TL_STEERING_MOST_PARAMETERS = 100000;
   Handle<TLSteeringParameter> parameter(int position);
 

@@ -2,7 +2,9 @@
 
 #include "parameters/TLEntryKeys.h"
 
-int TLEntry::readLine(std::string_view /*line*/) { return 1; }
+int TLEntry::readLine(std::string_view /*line*/) {
+  return 1;
+}
 
 int TLEntry::read(TLTextSource& source) {
   using R = TLTokenReader;

@@ -18,4 +18,6 @@ bool TLFile::isUnknown() const {
   return path_.find("unknown") != RWCString::npos || path_.find("undefined") != RWCString::npos;
 }
 
-bool TLFile::exists() const { return hostForm().canRead(path_); }
+bool TLFile::exists() const {
+  return hostForm().canRead(path_);
+}

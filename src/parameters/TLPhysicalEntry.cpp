@@ -94,13 +94,14 @@ void TLPhysicalEntry::write(TLTextSink& sink) const {
   sink.setPrecision(precision);
 }
 
-bool TLPhysicalEntry::isConstant() const { return equalIgnoringCase(type, "constant"); }
+bool TLPhysicalEntry::isConstant() const {
+  return equalIgnoringCase(type, "constant");
+}
 
 int TLPhysicalEntry::variableTypeCode() const {
-  const auto known = std::find_if(kVariableTypes.begin(), kVariableTypes.end(),
-                                  [this](std::string_view text) {
-                                    return equalIgnoringCase(variableType, text);
-                                  });
+  const auto known =
+      std::find_if(kVariableTypes.begin(), kVariableTypes.end(),
+                   [this](std::string_view text) { return equalIgnoringCase(variableType, text); });
   return known == kVariableTypes.end() ? 0 : static_cast<int>(known - kVariableTypes.begin());
 }
 

@@ -18,8 +18,8 @@ class TLPhysicalEntry : public TLEntry {
 
   /// True when `type` is "constant" in any case.
   bool isConstant() const;
-  /// 0 constant, 1 of space and time, 2 of space, 3 of time, 4 polynomial, 5 default; a text that is
-  /// none of these gives 0.
+  /// 0 constant, 1 of space and time, 2 of space, 3 of time, 4 polynomial, 5 default; a text that
+  /// is none of these gives 0.
   int variableTypeCode() const;
   /// Sets the text for a code; outside of 1 to 5 that of 0.
   void setVariableTypeCode(int code);

@@ -36,7 +36,9 @@ const TLKeyTable<TLRealEntry>& fullKeys() {
 
 }  // namespace
 
-int TLRealEntry::readBlock(TLTextSource& source) { return ::readBlock(*this, source, fullKeys()); }
+int TLRealEntry::readBlock(TLTextSource& source) {
+  return ::readBlock(*this, source, fullKeys());
+}
 
 void TLRealEntry::write(TLTextSink& sink) const {
   sink << "\t\t\t\tREAL_ENTRY\t\t" << name << "\t\t" << value << '\n';
