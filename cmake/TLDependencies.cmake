@@ -12,7 +12,7 @@ endif()
 
 # PVM 3: only the virtual machine layer and the example tools link it.
 find_path(TL_PVM_INCLUDE pvm3.h REQUIRED)
-find_library(TL_PVM_LIBRARY NAMES libpvm3.a pvm3 REQUIRED)
+find_library(TL_PVM_LIBRARY NAMES pvm3 REQUIRED)
 add_library(PVM::pvm3 INTERFACE IMPORTED)
 set_target_properties(PVM::pvm3 PROPERTIES
   INTERFACE_INCLUDE_DIRECTORIES ${TL_PVM_INCLUDE}

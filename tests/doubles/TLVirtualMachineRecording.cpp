@@ -185,7 +185,8 @@ int TL_virtual_machine_unpack_float(float* values, std::int32_t count) {
 
 int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t length) {
   RWCString taken;
-  if (length < 0 || active() == nullptr || !active()->takeString(taken)) return 0;
+  if (active() == nullptr || length < 0 || length > TL_virtual_machine_message_size()) return 0;
+  if (!active()->takeString(taken)) return 0;
   if (taken.size() > static_cast<std::size_t>(length)) return 0;
   text = taken;
   return 1;

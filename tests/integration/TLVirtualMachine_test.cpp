@@ -1,0 +1,172 @@
+// The virtual machine layer and the messages over a real virtual machine.
+#include "messaging/TLVirtualMachine.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+
+#include "doubles/TLScriptRecording.h"
+#include "integration/PvmPeer.h"
+#include "integration/VirtualMachine.h"
+#include "integration/Waiting.h"
+#include "messaging/TLProcessMessage.h"
+#include "messaging/TLSubMessageFloat.h"
+#include "messaging/TLSubMessageInteger.h"
+#include "messaging/TLSubMessageReal.h"
+#include "messaging/TLSubMessageString.h"
+#include "platform/TLConsole.h"
+#include "taskengine/TLProcessArguments.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+class RealVirtualMachine : public testing::Test {
+ protected:
+  void SetUp() override {
+    machine = &VirtualMachine::shared();
+    resetRecordedScript();
+    self = TL_virtual_machine_mytid();
+    ASSERT_GT(self, 0);
+    while (PvmPeer::receive(-1, -1, 0)) {
+    }
+  }
+  VirtualMachine* machine = nullptr;
+  std::int32_t self = 0;
+};
+
+TEST_F(RealVirtualMachine, KnowsItself) {
+  EXPECT_EQ(TL_virtual_machine_parent(), 0);
+  EXPECT_EQ(ownHostName(), machine->hostName());
+  EXPECT_EQ(hostIsWin32(machine->hostName()), 0);
+  EXPECT_EQ(hostIsWin32("nowhere"), 1);
+  EXPECT_EQ(TL_virtual_machine_status(self), kVirtualMachineOk);
+  EXPECT_EQ(TL_virtual_machine_kill(0), 0);
+  EXPECT_EQ(TL_virtual_machine_kill(-31), 0);
+  std::int32_t hosts = 0;
+  std::int32_t architectures = 0;
+  std::vector<TLVirtualMachineHost> table;
+  EXPECT_GE(TL_virtual_machine_config(hosts, architectures, table), 0);
+  EXPECT_EQ(hosts, 1);
+  EXPECT_EQ(table.at(0).arch, "LINUX64");
+}
+
+TEST_F(RealVirtualMachine, SpawnsWithArgumentsAndTellsTheScript) {
+  std::FILE* output = std::tmpfile();
+  TL_virtual_machine_catchout(output);
+  machine->addProgram("say", "/bin/echo");
+  TLProcessArguments arguments;
+  arguments.append("-flag", "none");
+  arguments.append("-gone", "undefined");
+  arguments.append("none", "two words");
+  std::int32_t task = 0;
+  ASSERT_EQ(TL_virtual_machine_spawn(machine->hostName(), "say", arguments, task), 0);
+  EXPECT_GT(task, 0);
+  EXPECT_EQ(TL_virtual_machine_last_spawn(), "ok");
+  EXPECT_THAT(recordedScript().lines, ElementsAre("task_manager_receive_message start_status_ok"));
+  EXPECT_TRUE(waitUntil([&] { return TL_virtual_machine_status(task) == kVirtualMachineNoTask; }));
+  char text[200] = {};
+  EXPECT_TRUE(waitUntil([&] {
+    TL_virtual_machine_receive_nowait(-1, 999999);  // lets the library read what came in
+    std::fflush(output);
+    return pread(fileno(output), text, sizeof text - 1, 0) > 0;
+  }));
+  EXPECT_THAT(text, HasSubstr("-flag two words"));
+  TL_virtual_machine_catchout(nullptr);
+  std::fclose(output);
+}
+
+TEST_F(RealVirtualMachine, TellsWhyASpawnFailed) {
+  struct Case {
+    RWCString host, executable;
+    std::int32_t result;
+    RWCString text;
+  };
+  const Case cases[] = {
+      {machine->hostName(), "/no/such/tool", -7, "/no/such/tool cannot be found"},
+      {"nowhere", "/bin/true", -6, "nowhere: bad host name"},
+  };
+  for (const auto& [host, executable, result, text] : cases) {
+    resetRecordedScript();
+    std::int32_t task = 1;
+    EXPECT_EQ(TL_virtual_machine_spawn(host, executable, TLProcessArguments(), task), result);
+    EXPECT_EQ(task, result);
+    EXPECT_EQ(TL_virtual_machine_last_spawn(), text);
+    EXPECT_THAT(
+        recordedScript().lines,
+        ElementsAre("task_manager_receive_message \"TL_virtual_machine_errcode " + text + "\"",
+                    "update"));
+  }
+}
+
+TEST_F(RealVirtualMachine, MessagesTravelAsDocumented) {
+  TLProcessMessage message;
+  message.tag = 5;
+  message.destination = self;
+  message.addString("abc");
+  message.addInteger(-2);
+  message.subMessages.push_back(new TLSubMessageFloat(1.0F));
+  message.subMessages.push_back(new TLSubMessageReal(-2.0));
+  message.addString("");
+  ASSERT_TRUE(message.send());
+  const auto got = PvmPeer::receive(self, 5);
+  ASSERT_TRUE(got);
+  const std::vector<std::uint8_t> expected = {
+      0, 0, 0, 5,                                                        // sub-messages
+      0, 0, 0, 7, 0,    0,    0,    3,    0, 0, 0, 4, 'a', 'b', 'c', 0,  // text
+      0, 0, 0, 1, 0xff, 0xff, 0xff, 0xfe,                                // integer
+      0, 0, 0, 2, 0x3f, 0x80, 0,    0,                                   // real of 32 bits
+      0, 0, 0, 3, 0xc0, 0,    0,    0,    0, 0, 0, 0,                    // real of 64 bits
+      0, 0, 0, 7, 0,    0,    0,    0,    0, 0, 0, 1, 0,   0,   0,   0,  // empty text
+  };
+  EXPECT_EQ(got->body.bytes(), expected);
+
+  ASSERT_TRUE(PvmPeer::send(self, 7, PvmBody().text("one\\two").integer(9)));
+  TLProcessMessage received;
+  ASSERT_TRUE(received.receive(self, 7));
+  EXPECT_EQ(received.source, self);
+  ASSERT_EQ(received.subMessages.size(), 2U);
+  EXPECT_EQ(static_cast<TLSubMessageString&>(*received.subMessages[0]).text, "one\\two");
+  EXPECT_EQ(static_cast<TLSubMessageInteger&>(*received.subMessages[1]).value, 9);
+}
+
+long residentPages() {
+  long all = 0;
+  long resident = 0;
+  std::ifstream("/proc/self/statm") >> all >> resident;
+  return resident;
+}
+
+TEST_F(RealVirtualMachine, RefusedMessagesNeitherStopNorGrowIt) {
+  std::ostringstream told;
+  const TLConsoleRedirect redirect(told);
+  const TLWireBuffer lies[] = {
+      TLWireBuffer().integer(1).integer(7).integer(0x7fffffff).string("x"),
+      TLWireBuffer().integer(1).integer(7).integer(4).integer(100000),
+      TLWireBuffer().integer(1).integer(7).integer(2).string(std::string(3000, 'x')),
+      TLWireBuffer().integer(3).integer(99),
+      TLWireBuffer(),
+  };
+  constexpr int kRounds = 100;
+  long atStart = 0;
+  for (int round = 0; round < kRounds; ++round) {
+    if (round == kRounds / 4) atStart = residentPages();
+    for (const auto& lie : lies) {
+      ASSERT_TRUE(PvmPeer::sendRaw(self, 7, lie));
+      TLProcessMessage message;
+      EXPECT_FALSE(message.receive(self, 7));
+    }
+  }
+  EXPECT_LT(residentPages() - atStart, 64);
+  EXPECT_THAT(told.str(), HasSubstr("TL_virtual_machine_unpack_message_buffer error: -5\n"));
+  TLProcessMessage message;
+  ASSERT_TRUE(PvmPeer::send(self, 7, PvmBody().integer(1)));
+  EXPECT_TRUE(message.receive(self, 7));
+}
+
+}  // namespace
