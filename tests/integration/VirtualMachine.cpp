@@ -58,10 +58,13 @@ VirtualMachine::VirtualMachine() : hostName_(ownHost()) {
 }
 
 VirtualMachine::~VirtualMachine() {
+  // At its end it asks its tasks to end, this process among them when it has enrolled.
+  const auto former = signal(SIGTERM, SIG_IGN);
   daemon_.terminate();
   for (const int pid : processesOf(directory_)) ::kill(pid, SIGKILL);
   std::error_code ignored;
   fs::remove_all(directory_, ignored);
+  signal(SIGTERM, former);
 }
 
 VirtualMachine& VirtualMachine::shared() {
