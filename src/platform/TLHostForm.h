@@ -51,9 +51,12 @@ class TLHostForm {
   std::string nameOf(std::string_view path) const;
   /// The path as the real file system takes it.
   virtual std::string realPath(std::string_view path) const = 0;
-  /// A file name as it goes into a command line: bare where the form's rule leaves it so and no
-  /// shell would read more into it than the name; otherwise quoted so that it arrives as data.
+  /// A file name in double quotes, as it goes into a command line. The posix form masks what would
+  /// keep a meaning for the shell even there, so that the name arrives as data.
   virtual std::string quoted(std::string_view name) const = 0;
+  /// A word that stands bare in a command line. The posix form quotes it when it holds more than
+  /// letters, digits and "._/-+,:=@%", so that it arrives as one word.
+  virtual std::string bare(std::string_view word) const = 0;
   /// @}
 
   /// @name The installation.
@@ -113,6 +116,8 @@ class TLHostForm {
   /// @name The user and the machine.
   /// @{
   virtual std::string homeDirectory() const = 0;
+  /// The virtual machine's word for this host's architecture ("LINUX64"; win32: "win32").
+  virtual std::string architecture() const = 0;
   virtual std::string hostName() const = 0;
   /// The runtime's pseudo-random number, 0 to 32767 in both forms.
   virtual int randomNumber() = 0;

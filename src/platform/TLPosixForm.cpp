@@ -1,6 +1,8 @@
 #include <pwd.h>
+#include <sys/utsname.h>
 #include <unistd.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "platform/TLCommandRun.h"
@@ -32,6 +34,10 @@ class PosixForm : public TLUnixHost {
     return result + '"';
   }
 
+  std::string bare(std::string_view word) const override {
+    return word.empty() || isPlain(word) ? std::string(word) : quoted(word);
+  }
+
   std::string executablePath() const override { return realExecutable(); }
   TLSettingsStore& settings() override { return settings_; }
   TLFileCommands fileCommands(std::string_view /*suiteDirectory*/) const override {
@@ -41,7 +47,7 @@ class PosixForm : public TLUnixHost {
   int runRedirected(std::string_view command, std::string_view outputFile, bool& started) override {
     const auto result =
         runToEnd("/bin/sh", {"sh", "-c", std::string(command)}, std::string(outputFile));
-    started = result.started && result.code != kNotExecutable && result.code != kNotFound;
+    started = result.started && !(isShellRefusal(result.code) && !programExists(command));
     return result.code;
   }
 
@@ -56,12 +62,51 @@ class PosixForm : public TLUnixHost {
   }
 
   std::string homeDirectory() const override {
-    if (const auto home = variable("HOME")) return *home;
+    const std::string home = variableOrEmpty("HOME");
+    if (!home.empty()) return home;
     const passwd* user = getpwuid(getuid());
     return user == nullptr ? "/" : user->pw_dir;
   }
 
+  std::string architecture() const override {
+    const std::string named = variableOrEmpty("PVM_ARCH");
+    if (!named.empty()) return named;
+    struct utsname system {};
+    uname(&system);
+    const bool wide = sizeof(void*) > 4;
+    std::string name = system.sysname;
+    for (char& c : name) {
+      if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 32);
+    }
+    return wide ? name + "64" : name;
+  }
+
  private:
+  static bool isPlain(std::string_view word) {
+    return word.find_first_not_of(
+               "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._/-+,:=@%") ==
+           std::string_view::npos;
+  }
+
+  static bool isShellRefusal(int code) { return code == kNotExecutable || code == kNotFound; }
+
+  /// True when the first word of a command names a program that can be started; also when the
+  /// word is more than a plain name, about which only the shell knows.
+  bool programExists(std::string_view command) const {
+    const std::string_view word = command.substr(0, command.find(' '));
+    if (!isPlain(word)) return true;
+    if (word.find('/') != std::string_view::npos) return isProgram(std::string(word));
+    std::string_view rest = std::getenv("PATH") == nullptr ? "" : std::getenv("PATH");
+    while (!rest.empty()) {
+      const auto end = rest.find(':');
+      if (isProgram(std::string(rest.substr(0, end)) + "/" + std::string(word))) return true;
+      rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+    return false;
+  }
+
+  static bool isProgram(const std::string& path) { return access(path.c_str(), X_OK) == 0; }
+
   /// $TALVEN_SETTINGS; else the first of the user's, the one beside the installation's root, and
   /// the machine's that exists.
   std::string locateSettings() const {

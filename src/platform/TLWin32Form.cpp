@@ -47,6 +47,8 @@ class Win32Form : public TLUnixHost {
 
   std::string quoted(std::string_view name) const override { return '"' + std::string(name) + '"'; }
 
+  std::string bare(std::string_view word) const override { return std::string(word); }
+
   std::string executablePath() const override {
     return setup_.executable.empty() ? fromReal(realExecutable()) : setup_.executable;
   }
@@ -87,6 +89,7 @@ class Win32Form : public TLUnixHost {
     const auto path = variable("HOMEPATH");
     return drive && path ? *drive + *path : "C:";
   }
+  std::string architecture() const override { return "win32"; }
 
  private:
   static bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }

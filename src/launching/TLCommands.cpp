@@ -1,0 +1,211 @@
+#include "launching/TLCommands.h"
+
+#include <array>
+
+#include "launching/TLPathText.h"
+#include "session/TLScript.h"
+
+namespace {
+
+constexpr std::size_t kLongestHostName = 200;
+
+struct CommandTable {
+  TLFileCommands commands;
+  int users = 0;
+};
+
+CommandTable& commandTable() {
+  static CommandTable table;
+  return table;
+}
+
+bool isPosix() {
+  return hostForm().kind() == TLHostKind::posix;
+}
+
+RWCString withoutDomain(const RWCString& host) {
+  return host.substr(0, host.find('.'));
+}
+
+/// A program of the installation as the first word of a command.
+RWCString suiteProgram(const char* name) {
+  TLHostForm& form = hostForm();
+  const std::string bin = std::string(1, form.separator()) + "bin" + form.separator();
+  return form.bare(form.variableOrEmpty("TALVEN_DIR") + bin + name +
+                   std::string(form.scriptSuffix()));
+}
+
+// ---- words of a copy -------------------------------------------------------------------------
+
+/// Characters that a shell would act on and that none of the masking rules knows.
+bool holdsActiveCharacter(const RWCString& path) {
+  return path.find_first_of("$;\"`\\<>|\n\t") != RWCString::npos;
+}
+
+/// The last "*" stays outside of the quotes.
+RWCString quotedWithStar(const RWCString& path) {
+  if (!path.ends_with('*')) return hostForm().quoted(path);
+  return hostForm().quoted(path.substr(0, path.size() - 1)) + '*';
+}
+
+/// Every character that is not part of a plain name masked for the far shell; stars stay.
+RWCString maskedForFarShell(const RWCString& path) {
+  RWCString result;
+  for (const char c : path) {
+    const bool letter = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+                        (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+    if (c == '\n') {
+      result += "'\n'";
+      continue;
+    }
+    if (!letter && RWCString("._/-+,=*?~").find(c) == RWCString::npos) result += '\\';
+    result += c;
+  }
+  return result;
+}
+
+RWCString farUnixPath(const RWCString& path) {
+  if (isPosix() && holdsActiveCharacter(path)) return quotedWithStar(maskedForFarShell(path));
+  return quoteWithStar(escapeForRemoteUnix(path));
+}
+
+RWCString farWin32Path(const RWCString& path) {
+  RWCString result = quoteWithStar(escapeForShell(path));
+  toBackslashes(result);
+  if (!isPosix()) return result;
+  for (std::size_t i = result.find('`'); i != RWCString::npos; i = result.find('`', i + 2)) {
+    result.insert(i, 1, '\\');
+  }
+  return result;
+}
+
+RWCString localPath(const RWCString& path) {
+  return isPosix() ? quotedWithStar(path) : quoteWithStar(escapeForShell(path));
+}
+
+RWCString pathWord(const RWCString& host, const RWCString& path, const RWCString& system) {
+  if (host.empty()) return localPath(path);
+  return system == "UNIX" ? farUnixPath(path) : farWin32Path(path);
+}
+
+/// The local side without its drive, whose colon would read as the end of a host's name: the
+/// process moves to that drive. Where there are no drives, a colon only needs a "/" before it.
+RWCString withoutDrive(const RWCString& path) {
+  const auto colon = path.find(':');
+  if (colon == RWCString::npos) return path;
+  if (isPosix()) return path.find('/') < colon ? path : "./" + path;
+  hostForm().changeDirectory(path.substr(0, colon + 1));
+  const auto end = path.find(':', colon + 1);
+  return path.substr(colon + 1, end == RWCString::npos ? end : end - colon - 1);
+}
+
+RWCString cleaned(const RWCString& path, bool local) {
+  const bool plain = local && isPosix();  // a backslash is a letter like others there
+  return stripTrailingSlashes(plain ? path : collapseBackslashes(path));
+}
+
+RWCString copyOutputFile() {
+  return hostForm().variableOrEmpty("TMP_DIR") + hostForm().separator() + "rcp.out";
+}
+
+void runCopy(const char* options, const RWCString& srcHost, const RWCString& srcPath,
+             const RWCString& dstHost, const RWCString& dstPath, const RWCString& system) {
+  RWCString source = cleaned(srcPath, srcHost.empty());
+  RWCString target = cleaned(dstPath, dstHost.empty());
+  RWCString& local = srcHost.empty() ? source : target;
+  local = withoutDrive(local);
+  RWCString command = suiteProgram("tlrcp") + options;
+  if (!srcHost.empty()) command += hostForm().bare(srcHost) + ":";
+  command += pathWord(srcHost, source, system) + " ";
+  if (!dstHost.empty()) command += hostForm().bare(dstHost) + ":";
+  command += pathWord(dstHost, target, system) + " ";
+  runRedirected(stripTrailingSlashes(command), copyOutputFile());
+}
+
+// ---- local files -----------------------------------------------------------------------------
+
+/// A name as a word of a local file command: one that a program would take for an option gets its
+/// directory in front.
+RWCString fileWord(const RWCString& path) {
+  if (isPosix() && path.starts_with('-')) return hostForm().quoted("./" + path);
+  return hostForm().quoted(path);
+}
+
+int runFileCommand(const RWCString& line) {
+  return hostForm().runSystem(hostForm().toLocal(line));
+}
+
+}  // namespace
+
+void initFileCommands() {
+  if (commandTable().users++ > 0) return;
+  commandTable().commands = hostForm().fileCommands(hostForm().variableOrEmpty("TALVEN_DIR"));
+}
+
+const TLFileCommands& fileCommands() {
+  return commandTable().commands;
+}
+
+int runRedirected(const RWCString& command, const RWCString& outputFile) {
+  bool started = false;
+  const int code = hostForm().runRedirected(command, outputFile, started);
+  if (!started) showError("Warning: the execution of the command:" + command + " failed");
+  return code;
+}
+
+void remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
+                const RWCString& outputFile) {
+  TLHostForm& form = hostForm();
+  const RWCString here = form.hostName().substr(0, kLongestHostName);
+  if (withoutDomain(host) == withoutDomain(here)) {
+    runRedirected(command, outputFile);
+    return;
+  }
+  RWCString line = suiteProgram("tlrsh") + " ";
+  if (!login.empty()) line += "-l " + form.bare(login) + " ";
+  line += form.bare(host) + " " + form.quoted(command);
+  runRedirected(line, outputFile);
+}
+
+int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
+               const RWCString& dstPath, const RWCString& system) {
+  initFileCommands();
+  runCopy(" -b ", srcHost, srcPath, dstHost, dstPath, system);
+  const RWCString outputFile = copyOutputFile();
+  const auto output = hostForm().readFile(outputFile);
+  if (!output) return 1;  // the copy could not even be tried
+  runRedirected(fileCommands().remove + hostForm().bare(outputFile), {});
+  return output->empty() || output->front() == '\n' ? 0 : 1;
+}
+
+int remoteCopyTree(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
+                   const RWCString& dstPath, const RWCString& system) {
+  runCopy(" -b -r ", srcHost, srcPath, dstHost, dstPath, system);
+  return 1;
+}
+
+void copyLocal(const RWCString& src, const RWCString& dst) {
+  initFileCommands();
+  RWCString target = stripTrailingSlashes(dst);
+  if (!isPosix() && target.ends_with(':')) target += "\\\\";
+  runFileCommand(fileCommands().copy + fileWord(stripTrailingSlashes(src)) + " " +
+                 fileWord(target));
+}
+
+void moveLocal(const RWCString& src, const RWCString& dst) {
+  initFileCommands();
+  runFileCommand(fileCommands().move + fileWord(stripTrailingSlashes(src)) + " " +
+                 fileWord(stripTrailingSlashes(dst)));
+}
+
+void listDirectory(const RWCString& dir, std::vector<RWCString>& names) {
+  hostForm().listDirectory(dir, names);
+}
+
+const char* currentDirectory() {
+  static std::array<char, 1026> buffer;
+  buffer.fill('\0');
+  const std::string directory = hostForm().currentDirectory();
+  directory.copy(buffer.data(), buffer.size() - 1);
+  return buffer.data();
+}

@@ -1,0 +1,68 @@
+#include "launching/TLPathText.h"
+
+#include <algorithm>
+#include <string_view>
+
+RWCString stripTrailingSlashes(const RWCString& path) {
+  const auto last = path.find_last_not_of("/\\");
+  return last == RWCString::npos ? RWCString() : path.substr(0, last + 1);
+}
+
+void toBackslashes(RWCString& path) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+}
+
+RWCString doubleBackslashes(const RWCString& text) {
+  RWCString result;
+  for (const char c : text) result.append(c == '\\' ? 2 : 1, c);
+  return result;
+}
+
+RWCString collapseBackslashes(const RWCString& text) {
+  RWCString result;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    result += text[i];
+    if (text[i] == '\\' && i + 1 < text.size() && text[i + 1] == '\\') ++i;
+  }
+  return result;
+}
+
+RWCString quotePlain(const RWCString& text) {
+  return '"' + text + '"';
+}
+
+RWCString quoteWithStar(const RWCString& path) {
+  if (!path.ends_with('*')) return quotePlain(path);
+  return quotePlain(path.substr(0, path.size() - 1)) + '*';
+}
+
+RWCString escapeForShell(const RWCString& text) {
+  RWCString result;
+  for (const char c : text) {
+    switch (c) {
+      case '!':
+        result += "\\!";
+        break;
+      case '$':
+        result += "\\\"\\\\$\\\"";
+        break;
+      default:
+        result += c;
+    }
+  }
+  return result;
+}
+
+RWCString escapeForRemoteUnix(const RWCString& text) {
+  constexpr std::string_view kMasked = " #%&'():@[]{}";
+  RWCString result;
+  for (const char c : text) {
+    if (c == '!') {
+      result += "\\\\";
+    } else if (kMasked.find(c) != std::string_view::npos) {
+      result += '\\';
+    }
+    result += c;
+  }
+  return result;
+}
