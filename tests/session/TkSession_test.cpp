@@ -1,0 +1,181 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <sstream>
+
+#include "platform/TLConsole.h"
+#include "session/TLScript.h"
+#include "session/TLScriptCommand.h"
+#include "session/TLTestSession.h"
+#include "session/TLToolVariables.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+using ::testing::MatchesRegex;
+using ::testing::StartsWith;
+
+/// What `script` answers in the session.
+RWCString value(const RWCString& script) {
+  EXPECT_EQ(evalScript(script), 0) << scriptResult();
+  return scriptResult();
+}
+
+TEST(TkSession, withoutSessionNothingIsEvaluated) {
+  // Runs in a process of its own: the others of this file have a session.
+  if (TkSession::current() != nullptr) GTEST_SKIP() << "a session exists already";
+  std::ostringstream printed;
+  const TLConsoleRedirect redirect(printed);
+  EXPECT_EQ(evalScript("error x"), 0);
+  EXPECT_EQ(sourceFile("/nowhere"), 0);
+  EXPECT_EQ(scriptResult(), "");
+  EXPECT_EQ(printed.str(), "");
+  showError("copy failed");
+  EXPECT_EQ(printed.str(), "copy failed\n");
+}
+
+TEST(TkSession, variables) {
+  setToolVariable("TCL_PATH", "/suite/_tcl");
+  setToolVariable("ONLINEHELPMIRE_DIR", "/suite/html");
+  testSession();
+  EXPECT_EQ(value("list $argc $argv0 $argv"), "2 tltest {-task {a file}}");
+  EXPECT_EQ(value("set tcl_rcFileName"), "~/.talrc");
+  EXPECT_EQ(value("list [array size app] $app(versionChecking) $app(catiav5_is_used) "
+                  "$app(is_a_library)"),
+            "9 1 1 0");
+  EXPECT_EQ(value("set env(TCL_PATH)"), "/suite/_tcl");
+  EXPECT_EQ(value("set env(ONLINEHELPMIRE_DIR)"), "/suite/html");
+  EXPECT_EQ(value("set env(TURNKEY_INP_PATH)"), "");
+}
+
+TEST(TkSession, toolkitsAreThere) {
+  testSession();
+  EXPECT_EQ(value("winfo exists ."), "1");
+  EXPECT_EQ(value("tixLabelEntry .entry; blt::graph .graph; ttk::button .button; "
+                  "destroy .entry .graph .button; expr 1"),
+            "1");
+}
+
+TEST(TkSession, fileReadableOpensTheFile) {
+  testSession();
+  const auto path = std::filesystem::temp_directory_path() /
+                    ("tl session " + std::to_string(::getpid()) + " [x]");
+  std::ofstream(path) << "text";
+  const RWCString name = "{" + path.string() + "}";
+  EXPECT_EQ(value("file readable " + name), "1");
+  EXPECT_EQ(value("file exists " + name), "1");
+  EXPECT_EQ(value("file size " + name), "4");
+  EXPECT_EQ(value("file tail {/a b/c d}"), "c d");
+  EXPECT_EQ(value("file join a {b c} d"), "a/b c/d");
+  std::filesystem::remove(path);
+  EXPECT_EQ(value("file readable " + name), "0");
+  std::ostringstream printed;
+  const TLConsoleRedirect redirect(printed);
+  EXPECT_EQ(evalScript("file size " + name), 1);
+  EXPECT_THAT(printed.str(), HasSubstr("no such file or directory"));
+}
+
+TEST(TkSession, errorsArePrintedAndNeverEndTheProcess) {
+  testSession();
+  std::ostringstream printed;
+  const TLConsoleRedirect redirect(printed);
+  EXPECT_EQ(evalScript("set a 1\nset b 2\nerror {it broke}"), 1);
+  EXPECT_EQ(scriptResult(), "it broke");
+  EXPECT_EQ(printed.str(),
+            " TCL ERROR 3 it broke\nit broke\n    while executing\n\"error {it broke}\"\n");
+  printed.str("");
+  EXPECT_EQ(sourceFile("/no/such/script.tcl"), 1);
+  EXPECT_THAT(printed.str(), StartsWith(" TCL ERROR 1 couldn't read file \"/no/such/script.tcl\""));
+}
+
+TEST(TkSession, switchesStopEvaluation) {
+  testSession();
+  evalScript("set untouched 1");
+  gNoEval = true;
+  EXPECT_EQ(evalScript("set untouched 2"), 1);
+  EXPECT_EQ(sourceFile("/no/such/script.tcl"), 1);
+  gNoEval = false;
+  gNoTk = true;
+  EXPECT_EQ(evalScript("set untouched 3"), 1);
+  gNoTk = false;
+  EXPECT_EQ(value("set untouched"), "1");
+}
+
+TEST(TkSession, showErrorAsksTheScript) {
+  testSession();
+  evalScript("proc okMessage {text title} {set ::shown [list $text $title]}");
+  showError("disk full");
+  EXPECT_EQ(value("set shown"), "{ disk full } { error }");
+}
+
+void sumCommand(ArgStream& arguments, ResultStream& result) {
+  std::int32_t a = 0;
+  std::int32_t b = 100;
+  arguments.readInteger(a);
+  arguments.readInteger(b);
+  result.write(a + b);
+  if (arguments.failed() != 0) result.setCode(16, " not a number");
+}
+
+TEST(TkSession, registeredCommands) {
+  testSession();
+  registerCommand<sumCommand>("sum_of_two");
+  EXPECT_EQ(value("sum_of_two 1 2"), "3");
+  EXPECT_EQ(value("sum_of_two 1"), "101");
+  EXPECT_EQ(value("catch {sum_of_two x} text; set text"), "100 not a number");
+}
+
+class CountedAction : public TLAction {
+ public:
+  CountedAction(int& count, int again) : count_(count), again_(again) {}
+  void run() override {
+    ++count_;
+    if (again_ > 0) testSession().postAction(makeHandle<CountedAction>(count_, again_ - 1));
+  }
+
+ private:
+  int& count_;
+  int again_;
+};
+
+TEST(TkSession, postedActionsRunUntilNoneIsLeft) {
+  int count = 0;
+  testSession().postAction(makeHandle<CountedAction>(count, 2));
+  testSession().postAction(makeHandle<CountedAction>(count, 0));
+  testSession().runPostedActions();
+  EXPECT_EQ(count, 4);
+}
+
+[[noreturn]] void runUntilTheWindowIsGone() {
+  testSession();
+  evalScript("after 10 {destroy .}");
+  const int answer = testSession().run();
+  std::cerr << "run " << answer << " one " << testSession().oneEvent() << " done "
+            << testSession().done();
+  requestProcessEnd(testDisplay().pid());
+  std::_Exit(7);
+}
+
+TEST(TkSessionDeathTest, endsWithItsLastWindow) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(runUntilTheWindowIsGone(), ::testing::ExitedWithCode(7), "run 1 one 0 done 1");
+}
+
+[[noreturn]] void startWithoutDisplay() {
+  ::setenv("DISPLAY", ":nothing", 1);
+  const TLConsoleRedirect redirect(std::cerr);
+  static char name[] = "tltest";
+  static char* words[] = {name, nullptr};
+  const TkSession session(1, words);
+  std::_Exit(7);
+}
+
+TEST(TkSessionDeathTest, toolkitThatFailsIsToldAndEndsTheProcess) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
+  EXPECT_EXIT(startWithoutDisplay(), ::testing::ExitedWithCode(0), " TK ERROR .*:nothing");
+}
+
+}  // namespace
