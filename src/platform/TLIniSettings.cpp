@@ -1,5 +1,7 @@
 #include "platform/TLIniSettings.h"
 
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <utility>
@@ -20,6 +22,16 @@ std::string_view nextLine(std::string_view& rest) {
   const auto line = rest.substr(0, end);
   rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
   return line;
+}
+
+/// What stands for "${`reference`}".
+std::string replacement(std::string_view reference, const std::string& directory) {
+  const auto mark = reference.find(":-");
+  const std::string name(reference.substr(0, mark));
+  if (name == "SETTINGS_DIR") return directory;
+  const char* set = std::getenv(name.c_str());
+  if (set != nullptr && *set != '\0') return set;
+  return mark == std::string_view::npos ? std::string() : std::string(reference.substr(mark + 2));
 }
 
 }  // namespace
@@ -59,5 +71,21 @@ bool TLIniSettings::hasKey(std::string_view key) const {
 }
 
 std::optional<std::string> TLIniSettings::value(std::string_view key, std::string_view name) const {
-  return load().value(key, name);
+  const auto text = load().value(key, name);
+  if (!text) return std::nullopt;
+  const auto directory = std::filesystem::absolute(locate_()).parent_path();
+  return expanded(*text, directory.string());
+}
+
+std::string TLIniSettings::expanded(std::string_view value, const std::string& directory) {
+  std::string result;
+  while (!value.empty()) {
+    const auto open = value.find("${");
+    const auto close = open == std::string_view::npos ? open : value.find('}', open);
+    if (close == std::string_view::npos) break;
+    result += value.substr(0, open);
+    result += replacement(value.substr(open + 2, close - open - 2), directory);
+    value.remove_prefix(close + 1);
+  }
+  return result.append(value);
 }

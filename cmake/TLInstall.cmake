@@ -1,0 +1,44 @@
+# The installation: a suite directory with the settings and one directory per version of the
+# product. It finds everything by its own place, so that it can be moved as a whole.
+set(TL_PRODUCT "mire${PROJECT_VERSION_MAJOR}${PROJECT_VERSION_MINOR}")
+set(TL_BIN_DIR "${TL_PRODUCT}/bin")
+set(TL_TCL_DIR "${TL_PRODUCT}/_tcl")
+
+find_path(TL_PVM_ROOT lib/pvmd PATHS $ENV{PVM_ROOT} /usr/lib/pvm3 NO_DEFAULT_PATH)
+if(NOT TL_PVM_ROOT)
+  set(TL_PVM_ROOT /usr/lib/pvm3)
+endif()
+find_program(TL_REMOTE_SHELL NAMES ssh rsh)
+if(NOT TL_REMOTE_SHELL)
+  set(TL_REMOTE_SHELL /usr/bin/ssh)
+endif()
+configure_file(share/suite/settings.ini.in settings.ini @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
+
+install(TARGETS tltaskmgr DESTINATION ${TL_BIN_DIR})
+install(CODE "file(CREATE_LINK tltaskmgr
+  \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
+install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
+  FILES_MATCHING PATTERN "*.tcl")
+if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)
+  install(DIRECTORY share/bin/ DESTINATION ${TL_BIN_DIR} USE_SOURCE_PERMISSIONS)
+endif()
+
+# The script libraries, under the names that the suite has always used and under their own.
+find_path(TL_TCL_SCRIPTS init.tcl PATHS /usr/share/tcltk/tcl8.6 /usr/lib/tcl8.6 REQUIRED)
+find_path(TL_TK_SCRIPTS tk.tcl PATHS /usr/share/tcltk/tk8.6 /usr/lib/tk8.6 REQUIRED)
+find_path(TL_TIX_SCRIPTS Tix.tcl
+  PATHS /usr/share/tcltk/tcl8.6/Tix8.4.3 /usr/lib/Tix8.4.3 REQUIRED)
+find_path(TL_BLT_SCRIPTS bltGraph.pro PATHS /usr/lib/blt2.5 /usr/share/tcltk/blt2.5 REQUIRED)
+function(tl_install_script_library directory)
+  foreach(name ${ARGN})
+    install(CODE "
+      set(place \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_TCL_DIR}/_system\")
+      file(MAKE_DIRECTORY \"\${place}\")
+      file(CREATE_LINK \"${directory}\" \"\${place}/${name}\" SYMBOLIC)")
+  endforeach()
+endfunction()
+tl_install_script_library(${TL_TCL_SCRIPTS} tcl8.4 tcl8.6)
+tl_install_script_library(${TL_TK_SCRIPTS} tk8.4 tk8.6)
+tl_install_script_library(${TL_TIX_SCRIPTS} tix8.4)
+tl_install_script_library(${TL_BLT_SCRIPTS} blt2.4 blt2.5)
