@@ -1,0 +1,69 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "messaging/TLProcessMessage.h"
+
+/// What a daemon reported of the end of one step.
+struct TLEndReport {
+  std::int32_t step = -1;          ///< position; -1 when the message named none
+  std::vector<std::string> texts;  ///< reasons, as sent
+};
+
+/// The interface side of one daemon: sends it the messages of an interface and collects what comes
+/// back. Everything waits with a deadline; nothing throws.
+class TLDaemonClient {
+ public:
+  using Seconds = std::chrono::duration<double>;
+
+  /// Talks to the daemon `tid`.
+  explicit TLDaemonClient(std::int32_t tid) : tid_(tid) {}
+
+  /// Enrols this process in the virtual machine. False when there is none.
+  static bool enrol();
+
+  std::int32_t tid() const { return tid_; }
+  /// False once the virtual machine no longer knows the daemon.
+  bool alive() const;
+
+  /// Asks for the statuses and waits for the answer. False when none came in time or the daemon is
+  /// gone; end reports that came meanwhile are kept in any case.
+  bool poll(Seconds patience);
+  /// The statuses of the last answer, one per step.
+  const std::vector<std::int32_t>& statuses() const { return statuses_; }
+
+  /// Takes what has arrived without asking.
+  void receiveWaiting();
+  /// End reports since the last call.
+  std::vector<TLEndReport> takeEndReports();
+  /// What the daemon said when it could not start; empty when it did.
+  const std::string& startError() const { return startError_; }
+
+  /// Sends a message with no, or one integer, sub-message.
+  bool send(std::int32_t code);
+  bool send(std::int32_t code, std::int32_t value);
+  /// Sends, then waits for an answer of code `answer`.
+  bool ask(std::int32_t code, std::int32_t answer, Seconds patience);
+  bool ask(std::int32_t code, std::int32_t value, std::int32_t answer, Seconds patience);
+  /// Waits until the daemon is gone.
+  bool waitGone(Seconds patience);
+
+ private:
+  bool waitFor(const std::function<bool()>& done, Seconds patience);
+  void take(const TLProcessMessage& message);
+
+  std::int32_t tid_;
+  std::vector<std::int32_t> statuses_;
+  std::vector<TLEndReport> endReports_;
+  std::string startError_;
+  std::vector<std::int32_t> answered_;  // codes other than status and end, as they came
+};
+
+/// "pending", "running", ...: the word for a status.
+std::string statusText(std::int32_t status);
+/// True for a status that a step doesn't leave any more.
+bool isTerminalStatus(std::int32_t status);

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "taskengine/TLRunState.h"
+
+/// Finds the daemons of this user by their state files.
+class TLDaemonFinder {
+ public:
+  explicit TLDaemonFinder(std::string userDirectory) : userDirectory_(std::move(userDirectory)) {}
+
+  /// All runs with a state file, those of killed daemons included, oldest first.
+  std::vector<TLRunState> all() const;
+  /// Those whose process is there. State files of other hosts count as live.
+  std::vector<TLRunState> live() const;
+
+  /// The live daemon that `who` means: path of its task file, name of its task, or its tid; empty
+  /// means the only one there is. None when there is no such daemon or more than one fits; `error`
+  /// then says what to do.
+  std::optional<TLRunState> find(const std::string& who, std::string& error) const;
+
+ private:
+  std::string userDirectory_;
+};
+
+/// True when the process of the state file exists on this host, or can't be seen from here.
+bool isLive(const TLRunState& state);
+/// The full path of a file, links resolved where it exists.
+std::string fullPath(const std::string& path);

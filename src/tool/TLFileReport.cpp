@@ -1,0 +1,106 @@
+#include "tool/TLFileReport.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "textio/TLNumbers.h"
+#include "textio/TLTextSource.h"
+#include "textio/TLTokens.h"
+
+namespace {
+
+// Levenshtein distance, case ignored.
+std::size_t distance(std::string_view a, std::string_view b) {
+  std::vector<std::size_t> row(b.size() + 1);
+  for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= a.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i;
+    for (std::size_t j = 1; j <= b.size(); ++j) {
+      const std::size_t same = diagonal + (lowerCase(a[i - 1]) == lowerCase(b[j - 1]) ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({row[j] + 1, row[j - 1] + 1, same});
+    }
+  }
+  return row[b.size()];
+}
+
+}  // namespace
+
+std::string_view nearestWord(std::string_view word, std::span<const std::string_view> known) {
+  std::string_view best;
+  std::size_t bestDistance = std::max<std::size_t>(1, word.size() / 3) + 1;
+  for (const auto candidate : known) {
+    const std::size_t d = distance(word, candidate);
+    if (d < bestDistance) {
+      bestDistance = d;
+      best = candidate;
+    }
+  }
+  return best;
+}
+
+TLFileReport::TLFileReport(std::string fileName) : fileName_(std::move(fileName)) {}
+
+void TLFileReport::addAt(const TLTextSource& source, std::string_view part, bool isFault,
+                         std::string message) {
+  const std::string_view whole = source.wholeLine(part);
+  TLFileRemark remark;
+  remark.isFault = isFault;
+  remark.line = source.lineNumber(part);
+  remark.column = whole.empty() ? 1 : static_cast<std::size_t>(part.data() - whole.data()) + 1;
+  remark.text = whole;
+  remark.message = std::move(message);
+  remarks_.push_back(std::move(remark));
+}
+
+void TLFileReport::passedOver(const TLTextSource& source, std::string_view line,
+                              std::string_view record, std::span<const std::string_view> words) {
+  const std::string_view key = TLTokens(line).next();
+  // A stray closing line belongs to a block that another program of the suite knows.
+  std::string message = fmt::format("no key of {} on this line: it is passed over", record);
+  const std::string_view meant = nearestWord(key, words);
+  if (!meant.empty()) message += fmt::format(" (was \"{}\" meant?)", meant);
+  addAt(source, key, false, std::move(message));
+}
+
+void TLFileReport::skippedBlock(const TLTextSource& source, std::string_view line,
+                                std::string_view record) {
+  const std::string place = record.empty() ? std::string() : fmt::format(" in {}", record);
+  addAt(source, line, false, fmt::format("unknown block{}: it is skipped", place));
+}
+
+void TLFileReport::badLine(const TLTextSource& source, std::string_view line,
+                           std::string_view expected) {
+  addAt(source, line, true, std::string(expected));
+}
+
+void TLFileReport::add(bool isFault, std::string message) {
+  TLFileRemark remark;
+  remark.isFault = isFault;
+  remark.message = std::move(message);
+  remarks_.push_back(std::move(remark));
+}
+
+bool TLFileReport::hasFault() const {
+  return std::any_of(remarks_.begin(), remarks_.end(),
+                     [](const TLFileRemark& remark) { return remark.isFault; });
+}
+
+std::string TLFileReport::text() const {
+  std::string text;
+  for (const auto& remark : remarks_) {
+    const char* kind = remark.isFault ? "fault" : "warning";
+    if (remark.line == 0) {
+      text += fmt::format("{}: {}: {}\n", fileName_, kind, remark.message);
+      continue;
+    }
+    std::string indent = remark.text.substr(0, remark.column - 1);
+    std::replace_if(indent.begin(), indent.end(), [](char c) { return c != '\t'; }, ' ');
+    text += fmt::format("{}:{}:{}: {}: {}\n  {}\n  {}^\n", fileName_, remark.line, remark.column,
+                        kind, remark.message, remark.text, indent);
+  }
+  return text;
+}

@@ -1,0 +1,179 @@
+#include <CLI/CLI.hpp>
+#include <fmt/format.h>
+
+#include <csignal>
+#include <cstdio>
+#include <memory>
+
+#include "platform/TLHostForm.h"
+#include "tool/TLCommand.h"
+#include "tool/TLCommands.h"
+#include "tool/TLDaemonFinder.h"
+#include "tool/TLDaemonRunner.h"
+#include "tool/TLExitCode.h"
+#include "tool/TLTaskFile.h"
+
+namespace {
+
+constexpr TLDaemonClient::Seconds kEndPatience{30.0};
+constexpr TLDaemonClient::Seconds kReplayPatience{10.0};
+
+volatile std::sig_atomic_t gInterrupted = 0;
+
+void markInterrupt(int /*signal*/) { gInterrupted = 1; }
+
+struct RunOptions {
+  std::string task;
+  std::vector<std::string> tools;
+  int intervalMs = 300;
+};
+
+void declareRunOptions(CLI::App& app, RunOptions& options) {
+  app.add_option("TASK", options.task, "task file")->required();
+  app.add_option("--tools", options.tools,
+                 "directory of the steps' programs (repeat for more; also TL_TOOLS)");
+}
+
+void declareInterval(CLI::App& app, RunOptions& options) {
+  app.add_option("--interval", options.intervalMs, "milliseconds between two polls")
+      ->check(CLI::Range(10, 600000))
+      ->capture_default_str();
+}
+
+std::string stateFileOf(const TLToolEnvironment& environment, std::int32_t tid) {
+  for (const auto& state : TLDaemonFinder(environment.userDirectory()).live()) {
+    if (state.tid == tid) return TLRunState::fileName(environment.userDirectory(), state.pid);
+  }
+  return {};
+}
+
+int answerOf(TLTaskFollower::End end, const TLTaskFollower& follower, const std::string& task) {
+  switch (end) {
+    case TLTaskFollower::End::allEnded:
+      break;
+    case TLTaskFollower::End::daemonGone:
+      fmt::print(stderr, "tlctl: the daemon of {} is gone\n", task);
+      break;
+    case TLTaskFollower::End::interrupted:
+      fmt::print(stderr,
+                 "tlctl: left; the task goes on. Come back with: tlctl attach {}\n"
+                 "       end it with: tlctl stop {}\n",
+                 task, task);
+      return TLExitCode::kOk;
+    case TLTaskFollower::End::noStart:
+      return TLExitCode::kStepFailed;
+  }
+  fmt::print("\n{}", follower.table());
+  return follower.allOk() ? TLExitCode::kOk : TLExitCode::kStepFailed;
+}
+
+// Follows to the end; ends a daemon whose steps have all ended.
+int followAndEnd(const TLToolEnvironment& environment, TLDaemonClient& client,
+                 const std::vector<TLStepLabel>& steps, const std::string& task, int intervalMs,
+                 bool endDaemon, bool& left) {
+  std::signal(SIGINT, markInterrupt);
+  std::signal(SIGTERM, markInterrupt);
+  TLTaskFollower follower(client, steps, stateFileOf(environment, client.tid()));
+  const auto end = follower.follow(std::chrono::milliseconds(intervalMs), gInterrupted);
+  if (end == TLTaskFollower::End::noStart) fmt::print(stderr, "{}\n", client.startError());
+  left = end == TLTaskFollower::End::interrupted;
+  if (end == TLTaskFollower::End::allEnded && endDaemon) {
+    client.send(TL_MSG_EXIT);
+    client.waitGone(kEndPatience);
+  }
+  return answerOf(end, follower, task);
+}
+
+int runTask(const RunOptions& options) {
+  const TLToolEnvironment environment;
+  TLDaemonRunner runner(environment, options.tools);
+  if (!runner.readTask(options.task)) return TLExitCode::kStepFailed;
+  if (!runner.start()) {
+    runner.stop();
+    return TLExitCode::kNobodyThere;
+  }
+  TLDaemonClient client(runner.tid());
+  bool left = false;
+  const int code = followAndEnd(environment, client, runner.steps(), options.task,
+                                options.intervalMs, true, left);
+  if (!left) runner.stop();
+  return code;
+}
+
+int startTask(const RunOptions& options) {
+  const TLToolEnvironment environment;
+  TLDaemonRunner runner(environment, options.tools);
+  if (!runner.readTask(options.task)) return TLExitCode::kStepFailed;
+  if (!runner.start()) {
+    runner.stop();
+    return TLExitCode::kNobodyThere;
+  }
+  TLDaemonClient client(runner.tid());
+  if (!client.poll(kEndPatience)) {
+    fmt::print(stderr, "tlctl: the daemon did not come up{}{}\n",
+               client.startError().empty() ? "" : ": ", client.startError());
+    runner.stop();
+    return TLExitCode::kStepFailed;
+  }
+  fmt::print("daemon {} runs {}\n", runner.tid(), runner.taskFile());
+  return TLExitCode::kOk;
+}
+
+// `joins`: enters the list of those whom the daemon reports to and has it tell what was missed.
+int followRunning(const RunOptions& options, bool joins) {
+  const TLToolEnvironment environment;
+  TLVirtualMachineStarter machine(environment.userDirectory());
+  const auto state = findDaemon(environment, machine, options.task);
+  if (!state) return TLExitCode::kNobodyThere;
+  TLDaemonClient client(state->tid);
+  if (joins) {
+    client.send(TL_MSG_RECONNECTED);
+    if (!client.poll(kReplayPatience)) fmt::print(stderr, "tlctl: the daemon is busy\n");
+    client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kReplayPatience);
+  }
+  std::vector<TLStepLabel> steps;
+  for (const auto& step : state->steps) steps.push_back({step.name, step.executable, step.host});
+  bool left = false;
+  return followAndEnd(environment, client, steps, state->taskFile, options.intervalMs, false, left);
+}
+
+template <class Run>
+std::function<std::function<int()>(CLI::App&)> withOptions(bool required, bool tools, bool interval,
+                                                           Run run) {
+  return [=](CLI::App& app) -> std::function<int()> {
+    auto options = std::make_shared<RunOptions>();
+    if (tools) {
+      declareRunOptions(app, *options);
+    } else {
+      app.add_option("TASK", options->task, "task file, task name or daemon; the only one if left out")
+          ->required(required);
+    }
+    if (interval) declareInterval(app, *options);
+    return [options, run] { return run(*options); };
+  };
+}
+
+}  // namespace
+
+std::vector<TLCommand> runCommands() {
+  return {
+      {"run",
+       "Run a task to its end: start its daemon, show each step's status, end the daemon",
+       {"tlctl run heat.task", "tlctl run --tools ~/solvers/bin heat.task"},
+       withOptions(true, true, true, runTask)},
+      {"start",
+       "Start the daemon of a task and leave it running",
+       {"tlctl start heat.task", "tlctl start heat.task && tlctl attach heat.task"},
+       withOptions(true, true, false, startTask)},
+      {"attach",
+       "Join a running task as an interface, hear what was missed, follow it",
+       {"tlctl attach", "tlctl attach heat.task"},
+       withOptions(false, false, true,
+                   [](const RunOptions& options) { return followRunning(options, true); })},
+      {"watch",
+       "Follow a running task until its end; print reasons of crashes as they come",
+       {"tlctl watch", "tlctl watch heat.task --interval 1000"},
+       withOptions(false, false, true,
+                   [](const RunOptions& options) { return followRunning(options, true); })},
+  };
+}

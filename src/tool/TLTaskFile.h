@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "taskengine/TLTask.h"
+#include "tool/TLFileReport.h"
+#include "tool/TLTaskFollower.h"
+
+/// A task file as the daemon's own records read it, with what there is to say about it.
+class TLTaskFile {
+ public:
+  explicit TLTaskFile(std::string path);
+  ~TLTaskFile();
+  TLTaskFile(const TLTaskFile&) = delete;
+  TLTaskFile& operator=(const TLTaskFile&) = delete;
+
+  /// True when the daemon would take the file. The reader's own console text goes to standard
+  /// output when `echo` is set and nowhere otherwise.
+  bool read(bool echo = false);
+
+  const TLTask& task() const { return *task_; }
+  const TLFileReport& report() const { return report_; }
+  std::vector<TLStepLabel> steps() const;
+
+ private:
+  std::string path_;
+  Handle<TLTask> task_;
+  TLFileReport report_;
+};

@@ -1,0 +1,168 @@
+#include "tool/TLTaskFollower.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <thread>
+#include <utility>
+
+namespace {
+
+constexpr std::int32_t kPending = 0;
+constexpr std::int32_t kRunning = 1;
+constexpr std::int32_t kFinishedOk = 2;
+constexpr TLDaemonClient::Seconds kPatience{30.0};
+constexpr auto kLook = std::chrono::milliseconds(20);
+
+std::string joinedTexts(const std::vector<std::string>& texts) {
+  std::string text;
+  for (const auto& part : texts) {
+    if (!text.empty()) text += "; ";
+    text += part;
+  }
+  return text;
+}
+
+}  // namespace
+
+TLTaskFollower::TLTaskFollower(TLDaemonClient& client, std::vector<TLStepLabel> steps,
+                               std::string stateFile)
+    : client_(client),
+      steps_(std::move(steps)),
+      stateFile_(std::move(stateFile)),
+      shown_(steps_.size(), kPending),
+      startTimes_(steps_.size()),
+      endTimes_(steps_.size()) {}
+
+TLTaskFollower::End TLTaskFollower::follow(std::chrono::milliseconds interval,
+                                           const volatile int& interrupted) {
+  while (true) {
+    if (!update()) {
+      clearProgress();
+      return client_.startError().empty() ? End::daemonGone : End::noStart;
+    }
+    if (std::all_of(shown_.begin(), shown_.end(), isTerminalStatus)) break;
+    const auto next = Clock::now() + interval;
+    while (Clock::now() < next) {
+      if (interrupted != 0) {
+        clearProgress();
+        return End::interrupted;
+      }
+      std::this_thread::sleep_for(kLook);
+    }
+    showProgress();
+  }
+  clearProgress();
+  return End::allEnded;
+}
+
+// A daemon that is busy with a launch or a copy answers late: only its absence ends the following.
+bool TLTaskFollower::update() {
+  while (!client_.poll(kPatience)) {
+    showReports();
+    if (!client_.startError().empty() || !client_.alive()) return false;
+    printLine("the daemon is busy and has not answered yet");
+  }
+  showChanges(client_.statuses());
+  showReports();
+  readState();
+  return true;
+}
+
+void TLTaskFollower::showChanges(const std::vector<std::int32_t>& statuses) {
+  const auto now = Clock::now();
+  for (std::size_t i = 0; i < std::min(statuses.size(), shown_.size()); ++i) {
+    if (statuses[i] == shown_[i]) continue;
+    if (shown_[i] == kPending) startTimes_[i] = now;
+    shown_[i] = statuses[i];
+    const std::string word = statusText(statuses[i]);
+    std::string line = fmt::format("{}: {}", label(i), terminal_.statusColoured(word, word));
+    if (statuses[i] == kRunning) line += " on " + steps_[i].host;
+    if (isTerminalStatus(statuses[i])) {
+      endTimes_[i] = now;
+      line += " after " + durationText(elapsed(i));
+    }
+    printLine(line);
+  }
+}
+
+void TLTaskFollower::showReports() {
+  for (const auto& report : client_.takeEndReports()) {
+    if (report.texts.empty()) continue;
+    const std::string text = joinedTexts(report.texts);
+    reasons_[report.step] = text;
+    const bool known = report.step >= 0 && report.step < static_cast<std::int32_t>(steps_.size());
+    printLine((known ? label(static_cast<std::size_t>(report.step)) + ": " : "") + text);
+  }
+}
+
+void TLTaskFollower::readState() {
+  const auto state = TLRunState::load(stateFile_);
+  if (!state) return;
+  for (std::size_t i = 0; i < std::min(state->steps.size(), steps_.size()); ++i) {
+    const auto& step = state->steps[i];
+    if (!step.reason.empty()) reasons_[static_cast<std::int32_t>(i)] = step.reason;
+    if (!step.host.empty()) steps_[i].host = step.host;
+  }
+}
+
+std::string TLTaskFollower::label(std::size_t step) const {
+  return fmt::format("step {} {}", step, steps_[step].name);
+}
+
+double TLTaskFollower::elapsed(std::size_t step) const {
+  if (startTimes_[step] == Clock::time_point()) return 0;
+  const auto end = isTerminalStatus(shown_[step]) ? endTimes_[step] : Clock::now();
+  return std::chrono::duration<double>(end - startTimes_[step]).count();
+}
+
+void TLTaskFollower::printLine(const std::string& text) {
+  clearProgress();
+  fmt::print("{}  {}\n", clockText(), text);
+  std::fflush(stdout);
+}
+
+void TLTaskFollower::showProgress() {
+  if (!terminal_.isTerminal()) return;
+  const auto ended = std::count_if(shown_.begin(), shown_.end(), isTerminalStatus);
+  std::string line = fmt::format(
+      "{}/{} steps done, {}", ended, shown_.size(),
+      durationText(std::chrono::duration<double>(Clock::now() - begin_).count()));
+  for (std::size_t i = 0; i < shown_.size(); ++i) {
+    if (shown_[i] != kRunning) continue;
+    line += fmt::format("  |  {} running {}", steps_[i].name, durationText(elapsed(i)));
+  }
+  const auto width = static_cast<std::size_t>(terminal_.width() - 1);
+  fmt::print("\r\x1b[K{}", line.substr(0, width));
+  std::fflush(stdout);
+  progressShown_ = true;
+}
+
+void TLTaskFollower::clearProgress() {
+  if (!progressShown_) return;
+  fmt::print("\r\x1b[K");
+  std::fflush(stdout);
+  progressShown_ = false;
+}
+
+bool TLTaskFollower::allOk() const {
+  return std::all_of(shown_.begin(), shown_.end(),
+                     [](std::int32_t status) { return status == kFinishedOk; });
+}
+
+std::string TLTaskFollower::table() const {
+  std::size_t widest = 4;
+  for (const auto& step : steps_) widest = std::max(widest, step.name.size());
+  std::string text = fmt::format("step  {:<{}}  {:<12}  {:>10}  {}\n", "name", widest, "status",
+                                 "time", "host, and why");
+  for (std::size_t i = 0; i < steps_.size(); ++i) {
+    const std::string word = statusText(shown_[i]);
+    const auto reason = reasons_.find(static_cast<std::int32_t>(i));
+    text += fmt::format("{:>4}  {:<{}}  {}  {:>10}  {}{}\n", i, steps_[i].name, widest,
+                        terminal_.statusColoured(word, fmt::format("{:<12}", word)),
+                        durationText(elapsed(i)), steps_[i].host,
+                        reason == reasons_.end() ? "" : ": " + reason->second);
+  }
+  return text;
+}

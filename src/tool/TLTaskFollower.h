@@ -1,0 +1,65 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "taskengine/TLRunState.h"
+#include "tool/TLDaemonClient.h"
+#include "tool/TLTerminal.h"
+
+/// Names of the steps of a task, as they are shown.
+struct TLStepLabel {
+  std::string name;
+  std::string executable;
+  std::string host;
+};
+
+/// Follows one daemon from the outside: polls it, prints each change of a step's status and each
+/// reason of an end as it comes, and keeps one line of progress on a terminal.
+class TLTaskFollower {
+ public:
+  enum class End {
+    allEnded,     ///< every step has a status that it keeps
+    daemonGone,   ///< the daemon ended, or was killed, before that
+    interrupted,  ///< the user asked to leave
+    noStart       ///< the daemon said that it can't run the task
+  };
+
+  TLTaskFollower(TLDaemonClient& client, std::vector<TLStepLabel> steps, std::string stateFile);
+
+  /// Polls every `interval` until one of the ends; `interrupted` is looked at all the time.
+  End follow(std::chrono::milliseconds interval, const volatile int& interrupted);
+
+  /// Every step as it stands: name, host, status, time, reason.
+  std::string table() const;
+  /// True when every step ended ok.
+  bool allOk() const;
+  const std::vector<std::int32_t>& statuses() const { return shown_; }
+
+ private:
+  using Clock = std::chrono::steady_clock;
+
+  bool update();
+  void showChanges(const std::vector<std::int32_t>& statuses);
+  void showReports();
+  void showProgress();
+  void clearProgress();
+  void printLine(const std::string& text);
+  void readState();
+  double elapsed(std::size_t step) const;
+  std::string label(std::size_t step) const;
+
+  TLDaemonClient& client_;
+  std::vector<TLStepLabel> steps_;
+  std::string stateFile_;
+  TLTerminal terminal_;
+  std::vector<std::int32_t> shown_;
+  std::vector<Clock::time_point> startTimes_;
+  std::vector<Clock::time_point> endTimes_;
+  std::map<std::int32_t, std::string> reasons_;
+  Clock::time_point begin_ = Clock::now();
+  bool progressShown_ = false;
+};

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+/// What tlctl may do on an output: colours and rewritten lines only on a terminal.
+class TLTerminal {
+ public:
+  /// Looks at standard output (descriptor 1), NO_COLOR and TERM.
+  TLTerminal();
+
+  bool isTerminal() const { return isTerminal_; }
+  bool hasColour() const { return hasColour_; }
+  /// Columns as they are now; 80 when unknown.
+  int width() const;
+
+  /// `text` in the colour of a status word; unchanged without colours.
+  std::string statusColoured(std::string_view statusWord, std::string_view text) const;
+  std::string bold(std::string_view text) const;
+  std::string faint(std::string_view text) const;
+
+ private:
+  std::string wrapped(std::string_view code, std::string_view text) const;
+
+  bool isTerminal_;
+  bool hasColour_;
+};
+
+/// "1 h 02 min", "3 min 05 s", "4.2 s".
+std::string durationText(double seconds);
+/// Local time of day, "14:03:27".
+std::string clockText();
