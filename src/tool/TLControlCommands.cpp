@@ -1,5 +1,5 @@
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <ctime>
@@ -93,16 +93,18 @@ void printStatusTable(const TLRunState& state) {
 }
 
 Json toJson(const TLRunStateStep& step, std::size_t position) {
-  return {{"step", position},        {"name", step.name},       {"executable", step.executable},
-          {"host", step.host},       {"status", step.status},   {"word", statusText(step.status)},
+  return {{"step", position},          {"name", step.name},     {"executable", step.executable},
+          {"host", step.host},         {"status", step.status}, {"word", statusText(step.status)},
           {"children", step.children}, {"job", step.jobNumber}, {"queue_state", step.queueState},
-          {"started", step.started}, {"ended", step.ended},     {"reason", step.reason}};
+          {"started", step.started},   {"ended", step.ended},   {"reason", step.reason}};
 }
 
 Json toJson(const TLRunState& state) {
-  Json json = {{"version", kJsonVersion}, {"task_file", state.taskFile}, {"task", state.taskName},
-               {"daemon", state.tid},     {"pid", state.pid},            {"host", state.host},
-               {"started", state.started}, {"live", isLive(state)},      {"steps", Json::array()}};
+  Json json = {{"version", kJsonVersion},  {"task_file", state.taskFile},
+               {"task", state.taskName},   {"daemon", state.tid},
+               {"pid", state.pid},         {"host", state.host},
+               {"started", state.started}, {"live", isLive(state)},
+               {"steps", Json::array()}};
   for (std::size_t i = 0; i < state.steps.size(); ++i) {
     json["steps"].push_back(toJson(state.steps[i], i));
   }

@@ -14,8 +14,8 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-constexpr std::array<std::string_view, 6> kStatusTexts = {
-    "pending", "running", "finished ok", "finished ko", "crashed", "stopped"};
+constexpr std::array<std::string_view, 6> kStatusTexts = {"pending",     "running", "finished ok",
+                                                          "finished ko", "crashed", "stopped"};
 constexpr std::int32_t kFirstTerminal = 2;
 constexpr std::int32_t kStartErrorOffset = 10000;
 // Between two looks at the inbox: short while an answer may come at once, longer afterwards.
@@ -59,11 +59,17 @@ std::string statusText(std::int32_t status) {
                                                  : "not a correct status";
 }
 
-bool isTerminalStatus(std::int32_t status) { return status >= kFirstTerminal; }
+bool isTerminalStatus(std::int32_t status) {
+  return status >= kFirstTerminal;
+}
 
-bool TLDaemonClient::enrol() { return TL_virtual_machine_mytid() > 0; }
+bool TLDaemonClient::enrol() {
+  return TL_virtual_machine_mytid() > 0;
+}
 
-bool TLDaemonClient::alive() const { return TL_virtual_machine_status(tid_) == kVirtualMachineOk; }
+bool TLDaemonClient::alive() const {
+  return TL_virtual_machine_status(tid_) == kVirtualMachineOk;
+}
 
 void TLDaemonClient::receiveWaiting() {
   TLProcessMessage message;
@@ -87,7 +93,9 @@ void TLDaemonClient::take(const TLProcessMessage& message) {
   }
 }
 
-std::vector<TLEndReport> TLDaemonClient::takeEndReports() { return std::exchange(endReports_, {}); }
+std::vector<TLEndReport> TLDaemonClient::takeEndReports() {
+  return std::exchange(endReports_, {});
+}
 
 bool TLDaemonClient::waitFor(const std::function<bool()>& done, Seconds patience) {
   const auto start = Clock::now();
@@ -127,7 +135,9 @@ bool TLDaemonClient::send(std::int32_t code, std::int32_t value) {
   return message.send();
 }
 
-bool TLDaemonClient::poll(Seconds patience) { return ask(TL_MSG_STATUS, TL_MSG_STATUS, patience); }
+bool TLDaemonClient::poll(Seconds patience) {
+  return ask(TL_MSG_STATUS, TL_MSG_STATUS, patience);
+}
 
 bool TLDaemonClient::ask(std::int32_t code, std::int32_t answer, Seconds patience) {
   std::erase(answered_, answer);

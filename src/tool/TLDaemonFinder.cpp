@@ -37,7 +37,9 @@ bool isLive(const TLRunState& state) {
   return there != here.substr(0, here.find('.')) || processExists(state.pid);
 }
 
-std::vector<TLRunState> TLDaemonFinder::all() const { return TLRunState::list(userDirectory_); }
+std::vector<TLRunState> TLDaemonFinder::all() const {
+  return TLRunState::list(userDirectory_);
+}
 
 std::vector<TLRunState> TLDaemonFinder::live() const {
   std::vector<TLRunState> states = all();
@@ -60,8 +62,8 @@ std::optional<TLRunState> TLDaemonFinder::find(const std::string& who, std::stri
     }
   }
   if (states.size() > 1) {
-    error = fmt::format("more than one task fits, name one by its file or daemon:{}",
-                        nameList(states));
+    error =
+        fmt::format("more than one task fits, name one by its file or daemon:{}", nameList(states));
     return std::nullopt;
   }
   return states.front();

@@ -12,9 +12,7 @@
 #include "tool/TLTaskFile.h"
 
 TLDaemonRunner::TLDaemonRunner(const TLToolEnvironment& environment, std::vector<std::string> tools)
-    : environment_(environment),
-      tools_(std::move(tools)),
-      machine_(environment.userDirectory()) {}
+    : environment_(environment), tools_(std::move(tools)), machine_(environment.userDirectory()) {}
 
 bool TLDaemonRunner::readTask(const std::string& taskFile) {
   taskFile_ = fullPath(taskFile);
@@ -27,7 +25,9 @@ bool TLDaemonRunner::readTask(const std::string& taskFile) {
   return false;
 }
 
-bool TLDaemonRunner::start() { return startMachine() && startDisplay() && spawnDaemon(); }
+bool TLDaemonRunner::start() {
+  return startMachine() && startDisplay() && spawnDaemon();
+}
 
 bool TLDaemonRunner::startMachine() {
   std::string error;
@@ -61,8 +61,8 @@ bool TLDaemonRunner::spawnDaemon() {
   }
   environment_.exportVariables();
   TLProcessArguments arguments;
-  arguments.entries.push_back(makeHandle<TLProcessArgument>("-task", taskFile_));
-  arguments.entries.push_back(makeHandle<TLProcessArgument>("-taskmanager", "none"));
+  arguments.append(makeHandle<TLProcessArgument>("-task", taskFile_));
+  arguments.append(makeHandle<TLProcessArgument>("-taskmanager", "none"));
   if (TL_virtual_machine_spawn(ownHostName(), program, arguments, tid_) == 0) return true;
   fmt::print(stderr, "tlctl: cannot start the daemon: {}\n", TL_virtual_machine_last_spawn());
   return false;

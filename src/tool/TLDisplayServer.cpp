@@ -37,8 +37,9 @@ bool TLDisplayServer::start(const std::string& privateDirectory, std::string& er
       fmt::format("{}/display.{}", privateDirectory, hostForm().processId());
   TLProcessOptions options;
   options.ownSession = true;
-  const std::string line = "exec Xvfb -displayfd 3 -terminate -screen 0 1280x800x24 -nolisten tcp 3>" +
-                           hostForm().quoted(announce);
+  const std::string line =
+      "exec Xvfb -displayfd 3 -terminate -screen 0 1280x800x24 -nolisten tcp 3>" +
+      hostForm().quoted(announce);
   auto server = TLProcess::start({"/bin/sh", "-c", line}, options, error);
   if (!server) return false;
   const auto deadline = std::chrono::steady_clock::now() + kStartTime;

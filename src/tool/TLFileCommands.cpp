@@ -1,5 +1,5 @@
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <cstring>
@@ -20,9 +20,10 @@ struct FileOptions {
 };
 
 void printArguments(const TLSubTask& step) {
-  for (const auto& argument : step.arguments.entries) {
-    fmt::print("    argument  {} {}{}\n", argument->type(), argument->value(),
-               argument->hasLocalFile != 0 && argument->localFile != 0 ? "  (carried along)" : "");
+  for (const auto& argument : step.arguments.entries()) {
+    fmt::print(
+        "    argument  {} {}{}\n", argument->type(), argument->value(),
+        argument->hasLocalFile() != 0 && argument->localFile() != 0 ? "  (carried along)" : "");
   }
 }
 
@@ -33,7 +34,8 @@ void printStep(const TLSubTask& step, std::size_t position) {
   fmt::print("    starts    {}\n", step.waitingTask == 1   ? "after all steps before it"
                                    : step.waitingTask == 0 ? "beside the others"
                                                            : "never");
-  if (balance.parallel != 0) fmt::print("    parallel  {} processes\n", balance.processNames.size());
+  if (balance.parallel != 0)
+    fmt::print("    parallel  {} processes\n", balance.processNames.size());
   if (balance.queuingSystemActivated != 0) {
     fmt::print("    queue     {} of system {}\n", balance.queuingSystemQueue,
                balance.queuingSystemActivated);

@@ -98,7 +98,8 @@ std::string TLFileReport::text() const {
       continue;
     }
     std::string indent = remark.text.substr(0, remark.column - 1);
-    std::replace_if(indent.begin(), indent.end(), [](char c) { return c != '\t'; }, ' ');
+    std::replace_if(
+        indent.begin(), indent.end(), [](char c) { return c != '\t'; }, ' ');
     text += fmt::format("{}:{}:{}: {}: {}\n  {}\n  {}^\n", fileName_, remark.line, remark.column,
                         kind, remark.message, remark.text, indent);
   }

@@ -9,10 +9,10 @@
 
 /// What a checker has to say of one place of a file.
 struct TLFileRemark {
-  bool isFault = false;   ///< the reading failed here; otherwise a warning
-  std::size_t line = 0;   ///< from 1; 0 when it is about the whole file
-  std::size_t column = 0; ///< from 1, where the caret goes
-  std::string text;       ///< the line as it stands
+  bool isFault = false;    ///< the reading failed here; otherwise a warning
+  std::size_t line = 0;    ///< from 1; 0 when it is about the whole file
+  std::size_t column = 0;  ///< from 1, where the caret goes
+  std::string text;        ///< the line as it stands
   std::string message;
 };
 

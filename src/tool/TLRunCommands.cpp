@@ -1,5 +1,5 @@
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <csignal>
 #include <cstdio>
@@ -20,7 +20,9 @@ constexpr TLDaemonClient::Seconds kReplayPatience{10.0};
 
 volatile std::sig_atomic_t gInterrupted = 0;
 
-void markInterrupt(int /*signal*/) { gInterrupted = 1; }
+void markInterrupt(int /*signal*/) {
+  gInterrupted = 1;
+}
 
 struct RunOptions {
   std::string task;
@@ -145,7 +147,8 @@ std::function<std::function<int()>(CLI::App&)> withOptions(bool required, bool t
     if (tools) {
       declareRunOptions(app, *options);
     } else {
-      app.add_option("TASK", options->task, "task file, task name or daemon; the only one if left out")
+      app.add_option("TASK", options->task,
+                     "task file, task name or daemon; the only one if left out")
           ->required(required);
     }
     if (interval) declareInterval(app, *options);

@@ -13,7 +13,9 @@
 TLTaskFile::TLTaskFile(std::string path)
     : path_(std::move(path)), task_(makeHandle<TLTask>()), report_(path_) {}
 
-TLTaskFile::~TLTaskFile() { task_->clearSubTasks(); }
+TLTaskFile::~TLTaskFile() {
+  task_->clearSubTasks();
+}
 
 bool TLTaskFile::read(bool echo) {
   auto text = hostForm().readFile(path_);

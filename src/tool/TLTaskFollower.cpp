@@ -126,9 +126,9 @@ void TLTaskFollower::printLine(const std::string& text) {
 void TLTaskFollower::showProgress() {
   if (!terminal_.isTerminal()) return;
   const auto ended = std::count_if(shown_.begin(), shown_.end(), isTerminalStatus);
-  std::string line = fmt::format(
-      "{}/{} steps done, {}", ended, shown_.size(),
-      durationText(std::chrono::duration<double>(Clock::now() - begin_).count()));
+  std::string line =
+      fmt::format("{}/{} steps done, {}", ended, shown_.size(),
+                  durationText(std::chrono::duration<double>(Clock::now() - begin_).count()));
   for (std::size_t i = 0; i < shown_.size(); ++i) {
     if (shown_[i] != kRunning) continue;
     line += fmt::format("  |  {} running {}", steps_[i].name, durationText(elapsed(i)));

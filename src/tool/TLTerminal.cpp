@@ -58,8 +58,12 @@ std::string TLTerminal::statusColoured(std::string_view statusWord, std::string_
   return std::string(text);
 }
 
-std::string TLTerminal::bold(std::string_view text) const { return wrapped("1", text); }
-std::string TLTerminal::faint(std::string_view text) const { return wrapped("2", text); }
+std::string TLTerminal::bold(std::string_view text) const {
+  return wrapped("1", text);
+}
+std::string TLTerminal::faint(std::string_view text) const {
+  return wrapped("2", text);
+}
 
 std::string durationText(double seconds) {
   if (seconds < 60) return fmt::format("{:.1f} s", seconds);

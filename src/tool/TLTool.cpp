@@ -1,5 +1,5 @@
-#include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <CLI/CLI.hpp>
 
 #include <cstdio>
 #include <vector>
@@ -95,8 +95,9 @@ int report(const CLI::App& app, const CLI::ParseError& error, const std::string&
 
 int runTool(int argc, char** argv) {
   const std::vector<TLCommand> commands = allCommands();
-  CLI::App app("Command line of the task manager: runs tasks, talks to their daemons, checks files.",
-               "tlctl");
+  CLI::App app(
+      "Command line of the task manager: runs tasks, talks to their daemons, checks files.",
+      "tlctl");
   app.formatter(std::make_shared<TLHelp>());
   app.set_version_flag("--version", "tlctl 7.1");
   app.require_subcommand(1);

@@ -9,10 +9,10 @@ namespace {
 
 // What a daemon's start-up reads, and what its tools may need to run at all.
 constexpr const char* kExported[] = {
-    "DISPLAY",  "XAUTHORITY", "HOME",     "PATH",         "LD_LIBRARY_PATH", "LANG",
-    "LC_ALL",   "TMP_DIR",    "PVM_ROOT", "PVM_TMP",      "PVM_VMID",        "PVM_ALLOW_ROOT",
-    "PVM_RSH",  "TL_TOOLS",   "TCL_PATH", "TL_UPDATE_MS", "TALVEN_SETTINGS", "ASAN_OPTIONS",
-    "UBSAN_OPTIONS", "LSAN_OPTIONS"};
+    "DISPLAY",      "XAUTHORITY",      "HOME",         "PATH",          "LD_LIBRARY_PATH",
+    "LANG",         "LC_ALL",          "TMP_DIR",      "PVM_ROOT",      "PVM_TMP",
+    "PVM_VMID",     "PVM_ALLOW_ROOT",  "PVM_RSH",      "TL_TOOLS",      "TCL_PATH",
+    "TL_UPDATE_MS", "TALVEN_SETTINGS", "ASAN_OPTIONS", "UBSAN_OPTIONS", "LSAN_OPTIONS"};
 
 std::string environment(const char* name) {
   const char* value = std::getenv(name);
@@ -44,8 +44,7 @@ TLToolEnvironment::TLToolEnvironment() {
 }
 
 std::string TLToolEnvironment::daemonProgram() const {
-  const std::string program =
-      hostForm().join(parentOf(hostForm().executablePath()), "tltaskmgr");
+  const std::string program = hostForm().join(parentOf(hostForm().executablePath()), "tltaskmgr");
   return hostForm().canRead(program) ? program : std::string();
 }
 

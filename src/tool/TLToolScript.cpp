@@ -3,8 +3,14 @@
 #include "platform/TLConsole.h"
 #include "session/TLScript.h"
 
-int evalScript(const RWCString& /*text*/) { return 0; }
+int evalScript(const RWCString& /*text*/) {
+  return 0;
+}
 
-RWCString scriptResult() { return {}; }
+RWCString scriptResult() {
+  return {};
+}
 
-void showError(const RWCString& text) { console() << text << '\n' << std::flush; }
+void showError(const RWCString& text) {
+  console() << text << '\n' << std::flush;
+}
