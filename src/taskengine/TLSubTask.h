@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 #include "balancing/TLLoadBalancing.h"
@@ -180,5 +181,16 @@ class TLSubTask : public RefCounted {
   RWCString endReason;
 
  private:
+  bool isJobRunning();
+  /// What the status file says: runs, or has ended; none when the process has to be asked.
+  std::optional<bool> askStatusFile();
+  std::optional<bool> askMarineStatus();
+  std::optional<bool> askProbesStatus();
+  bool isProcessAlive(std::int32_t tid);
+  void handleEnd(TLProcessMessage& message);
+  void sendSolutionName(std::int32_t tid) const;
+  void answerSteering(std::int32_t tid);
+  void resetSteering(std::int32_t tid);
+
   Handle<TLTask> parentTask_;
 };

@@ -51,12 +51,13 @@ class TLTask : public TLSubTask {
   RWCString computationFileName;
 
  private:
-  struct Walk;
   void deduceComputationPath();
+  void launchBesideWhenDue(TLSubTask& step, std::int32_t position, const TLSubTask* previous);
   void launchBeside(TLSubTask& step, std::int32_t position);
   void launchFirst(TLSubTask& step);
   void launchWaiting(TLSubTask& step, std::int32_t position);
   bool allEndedBefore(std::int32_t position);
   void disableBehindFailures(std::int32_t position);
+  bool disableBehindFailure(TLSubTask& step, std::int32_t position);
   void reportFailedCopy(const TLSubTask& step, std::int32_t position) const;
 };

@@ -27,7 +27,37 @@ class TLTaskChildren : public TLTask {
   static void touchStopFile(TLSubTask& step);
 
  private:
-  void checkEndedInCycle(TLSubTask& step, std::int32_t position);
+  bool isEndedMarineTask() const;
   void readMessages();
-  bool endMarineTask() const;
+
+  /// The end of a step that ran when the cycle's walk came to it.
+  void checkEndedInCycle(TLSubTask& step, std::int32_t position);
+  void reportQueueEnd(TLSubTask& step, std::int32_t position);
+  void reportSolverCrash(TLSubTask& step, std::int32_t position);
+  /// Tells script and parents that `tool` ("FWH") is gone.
+  void reportCrash(TLSubTask& step, std::int32_t position, const RWCString& tool);
+  void reportMesherEnd(TLSubTask& step, std::int32_t position);
+
+  /// @name Reactions, one per tag.
+  /// @{
+  void answerStatus(TLProcessMessage& question);
+  void stop(TLProcessMessage& message);
+  void exit(TLProcessMessage& message);
+  void greetSolver(TLProcessMessage& message);
+  void replayEndMessages(TLProcessMessage& message);
+  void reconnectChild(TLProcessMessage& message);
+  void reconnectParent(TLProcessMessage& message);
+  void reconnectOtherParent(TLProcessMessage& message);
+  void suspendSubTask(TLProcessMessage& message);
+  void suspendTask(TLProcessMessage& message);
+  void takeSteering(TLProcessMessage& message);
+  void takeProcessId(TLProcessMessage& message);
+  void saveSolution(TLProcessMessage& message);
+  void passOnPerformanceCurve(TLProcessMessage& message);
+  /// @}
+
+  void stopWholeTask();
+  void addParentEverywhere(std::int32_t tid);
+  /// Asks the processes of `step` to end, or touches the stop file of `stopFileOf` for its job.
+  static void suspend(const TLSubTask& step, TLSubTask& stopFileOf);
 };

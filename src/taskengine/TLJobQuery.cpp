@@ -1,0 +1,93 @@
+#include "taskengine/TLJobQuery.h"
+
+#include <array>
+#include <string>
+#include <string_view>
+
+#include "launching/TLCommands.h"
+#include "platform/TLHostForm.h"
+#include "textio/TLNumbers.h"
+#include "textio/TLTextSource.h"
+#include "textio/TLTokens.h"
+
+namespace {
+
+struct System {
+  std::string_view command;
+  std::string_view stem;
+};
+/// By kind, from 1.
+constexpr auto kSystems = std::to_array<System>({
+    {"qstat -j ", "tmpout_SGE_qstat"},
+    {"qstat -J ", "tmpout_PBS_qstat"},
+    {"bjobs ", "tmpout_LSF_bjobs"},
+});
+
+std::string_view word(std::string_view line, int number) {
+  TLTokens tokens(line);
+  for (int i = 1; i < number; ++i) tokens.next();
+  return tokens.next();
+}
+
+bool holdsIgnoringCase(std::string_view line, std::string_view text) {
+  for (std::size_t i = 0; i + text.size() <= line.size(); ++i) {
+    if (equalIgnoringCase(line.substr(i, text.size()), text)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+TLJobState sgeJobState(const RWCString& answer) {
+  TLTextSource lines(answer);
+  TLJobState state = TLJobState::unknown;
+  std::string_view line;
+  while (lines.readRawLine(line)) {
+    if (word(line, 1) == "Following") return TLJobState::finished;
+    state = TLJobState::running;
+  }
+  return state;
+}
+
+TLJobState pbsJobState(const RWCString& answer, std::int32_t job) {
+  const std::string number = std::to_string(job);
+  TLTextSource lines(answer);
+  TLJobState state = TLJobState::unknown;
+  std::string_view line;
+  while (lines.readRawLine(line)) {
+    if (line.find(number) == std::string_view::npos) continue;
+    if (holdsIgnoringCase(line, "Unknown") || holdsIgnoringCase(line, "has finished")) {
+      return TLJobState::finished;
+    }
+    state = TLJobState::running;
+  }
+  return state;
+}
+
+TLJobState lsfJobState(const RWCString& answer) {
+  TLTextSource lines(answer);
+  std::string_view line;
+  while (lines.readRawLine(line)) {
+    if (word(line, 1) != "JOBID") continue;
+    if (!lines.readRawLine(line)) break;
+    const std::string_view state = word(line, 3);
+    return state == "DONE" || state == "EXIT" ? TLJobState::finished : TLJobState::running;
+  }
+  return TLJobState::unknown;
+}
+
+TLJobState queryJob(std::int32_t kind, std::int32_t job, const RWCString& host,
+                    const RWCString& login) {
+  if (kind < 1 || kind > static_cast<std::int32_t>(kSystems.size())) return TLJobState::unknown;
+  const System& system = kSystems[static_cast<std::size_t>(kind - 1)];
+  const std::string number = std::to_string(job);
+  const std::string file = hostForm().join(
+      hostForm().variableOrEmpty("TMP_DIR"),
+      std::string(system.stem) + number + std::to_string(hostForm().randomNumber() + 1));
+  remoteExec(host, std::string(system.command) + number, login, file);
+  const auto answer = hostForm().readFile(file);
+  if (!answer) return TLJobState::unknown;
+  removeLocal(file);
+  if (kind == 1) return sgeJobState(*answer);
+  return kind == 2 ? pbsJobState(*answer, job) : lsfJobState(*answer);
+}

@@ -1,0 +1,96 @@
+#include <ctime>
+#include <optional>
+
+#include "launching/TLProgramNames.h"
+#include "messaging/TLVirtualMachine.h"
+#include "taskengine/TLJobQuery.h"
+#include "taskengine/TLMarineStatus.h"
+#include "taskengine/TLStatusFile.h"
+#include "taskengine/TLSubTask.h"
+
+namespace {
+
+constexpr std::int64_t kFreshSeconds = 10;
+
+bool isFresh(const TLMarineStatus& entry) {
+  const RWCString date = readStatusEntry(entry.block, "DATE", entry.path, false);
+  return parseStatusDate(date) > std::time(nullptr) - kFreshSeconds;
+}
+
+}  // namespace
+
+bool TLSubTask::isRunning() {
+  if (child(0) < 1) return false;
+  if (isQueued()) return isJobRunning();
+  if (isTerminal()) return false;
+  if (const auto answer = askStatusFile()) return *answer;
+  // A parallel run has its launcher as first child.
+  const bool behindLauncher =
+      children.size() > 1 && (!isSculpt(executable) || loadBalancing.parallel != 0);
+  return isProcessAlive(child(behindLauncher ? 1 : 0));
+}
+
+bool TLSubTask::isJobRunning() {
+  switch (queryJob(loadBalancing.queuingSystemActivated, child(0), hostName, remoteLogin)) {
+    case TLJobState::running:
+      status = Running;
+      break;
+    case TLJobState::finished:
+      status = FinishedOk;
+      endReason = "the queuing system no longer has the job";
+      break;
+    case TLJobState::unknown:
+      break;
+  }
+  return status == Running;
+}
+
+std::optional<bool> TLSubTask::askStatusFile() {
+  if (isMarineStep(name) && !isSculpt(executable)) return askMarineStatus();
+  if (name == "PROBES2QVK") return askProbesStatus();
+  return std::nullopt;
+}
+
+std::optional<bool> TLSubTask::askMarineStatus() {
+  if (name == "CHECKSTATUS") {
+    status = FinishedOk;
+    return false;
+  }
+  const auto entry = marineStatusOf(*this);
+  if (!entry) return std::nullopt;
+  const RWCString word = readStatusEntry(entry->block, "STATUS", entry->path, true);
+  if (word == "running") {
+    status = Running;
+    return true;
+  }
+  if (word == "pending" || !isFresh(*entry) || word == "mismatch") return std::nullopt;
+  status = word == "finished" ? FinishedOk : FinishedKo;
+  if (status == FinishedKo) endReason = "its status file says \"" + word + "\"";
+  return false;
+}
+
+std::optional<bool> TLSubTask::askProbesStatus() {
+  RWCString log;
+  if (arguments.find("-log", log) == 0) return std::nullopt;
+  const RWCString word = readStatusEntry("probes2sorvit", "STATUS", log, true);
+  if (word == "running") return true;
+  status = word == "finished" ? FinishedOk : FinishedKo;
+  if (status == FinishedOk) return false;
+  return std::nullopt;
+}
+
+bool TLSubTask::isProcessAlive(std::int32_t tid) {
+  const std::int32_t answer = TL_virtual_machine_status(tid);
+  if (answer == kVirtualMachineOk) {
+    status = Running;
+    return true;
+  }
+  if (status == Pending) return false;
+  if (answer == kVirtualMachineNoTask) {
+    status = FinishedOk;
+  } else {
+    status = FinishedKo;
+    endReason = "the virtual machine lost sight of its process";
+  }
+  return false;
+}
