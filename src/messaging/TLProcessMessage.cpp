@@ -1,20 +1,72 @@
 #include "messaging/TLProcessMessage.h"
 
+#include <iterator>
+
 #include "messaging/TLSubMessageFloat.h"
 #include "messaging/TLSubMessageFloatPtr.h"
 #include "messaging/TLSubMessageInteger.h"
 #include "messaging/TLSubMessageIntegerPtr.h"
+#include "messaging/TLSubMessageNewSteering.h"
 #include "messaging/TLSubMessageReal.h"
 #include "messaging/TLSubMessageRealPtr.h"
+#include "messaging/TLSubMessageSteering.h"
+#include "messaging/TLSubMessageSteeringStatus.h"
 #include "messaging/TLSubMessageString.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
 
 namespace {
 
+using Set = Handle<TLSteeringParameters>;
+
 template <class T>
-Handle<TLSubMessage> cloneAs(const TLSubMessage& other) {
-  return Handle<TLSubMessage>(new T(static_cast<const T&>(other)));
+Handle<TLSubMessage> make(const Set& /*steering*/) {
+  return new T;
+}
+
+template <class T>
+Handle<TLSubMessage> makeOnSet(const Set& steering) {
+  auto subMessage = makeHandle<T>();
+  subMessage->parameters = steering;
+  return subMessage;
+}
+
+template <class T>
+Handle<TLSubMessage> clone(const TLSubMessage& other) {
+  return new T(static_cast<const T&>(other));
+}
+
+// The set is shared; nothing else goes along.
+template <class T>
+Handle<TLSubMessage> cloneOnSet(const TLSubMessage& other) {
+  return makeOnSet<T>(static_cast<const T&>(other).parameters);
+}
+
+// How each type is made and copied; the type code is the position.
+struct Factory {
+  Handle<TLSubMessage> (*make)(const Set& steering);
+  Handle<TLSubMessage> (*clone)(const TLSubMessage& other);
+};
+
+template <class T>
+constexpr Factory kPlain = {&make<T>, &clone<T>};
+
+constexpr Factory kFactories[] = {
+    kPlain<TLSubMessage>,
+    kPlain<TLSubMessageInteger>,
+    kPlain<TLSubMessageFloat>,
+    kPlain<TLSubMessageReal>,
+    kPlain<TLSubMessageIntegerPtr>,
+    kPlain<TLSubMessageFloatPtr>,
+    kPlain<TLSubMessageRealPtr>,
+    kPlain<TLSubMessageString>,
+    {&makeOnSet<TLSubMessageSteering>, &cloneOnSet<TLSubMessageSteering>},
+    {&make<TLSubMessageNewSteering>, &cloneOnSet<TLSubMessageNewSteering>},
+    {&make<TLSubMessageSteeringStatus>, &cloneOnSet<TLSubMessageSteeringStatus>},
+};
+
+const Factory* findFactory(std::int32_t type) {
+  return type < 0 || type >= std::ssize(kFactories) ? nullptr : &kFactories[type];
 }
 
 bool packInteger(std::int32_t value) {
@@ -25,6 +77,7 @@ bool packInteger(std::int32_t value) {
 
 void TLProcessMessage::assign(const TLProcessMessage& other) {
   if (this == &other) return;
+  steering = other.steering;
   tag = other.tag;
   source = other.source;
   destination = other.destination;
@@ -80,46 +133,24 @@ void TLProcessMessage::addString(const RWCString& text) {
   subMessages.push_back(new TLSubMessageString(text));
 }
 
+void TLProcessMessage::addSteering(const Handle<TLSteeringParameters>& parameters,
+                                   const Handle<TLSteeringParameters>& known) {
+  auto subMessage = makeHandle<TLSubMessageSteering>();
+  subMessage->parameters = parameters;
+  subMessage->known = known;
+  subMessages.push_back(subMessage);
+}
+
+void TLProcessMessage::addNewSteering(const Handle<TLSteeringParameters>& parameters) {
+  subMessages.push_back(new TLSubMessageNewSteering(parameters));
+}
+
 Handle<TLSubMessage> TLProcessMessage::makeSubMessage(std::int32_t type) const {
-  switch (type) {
-    case 0:
-      return new TLSubMessage;
-    case 1:
-      return new TLSubMessageInteger;
-    case 2:
-      return new TLSubMessageFloat;
-    case 3:
-      return new TLSubMessageReal;
-    case 4:
-      return new TLSubMessageIntegerPtr;
-    case 5:
-      return new TLSubMessageFloatPtr;
-    case 6:
-      return new TLSubMessageRealPtr;
-    case 7:
-      return new TLSubMessageString;
-    default:
-      return nullptr;
-  }
+  const Factory* factory = findFactory(type);
+  return factory == nullptr ? nullptr : factory->make(steering);
 }
 
 Handle<TLSubMessage> TLProcessMessage::cloneSubMessage(const TLSubMessage& other) {
-  switch (other.type()) {
-    case 1:
-      return cloneAs<TLSubMessageInteger>(other);
-    case 2:
-      return cloneAs<TLSubMessageFloat>(other);
-    case 3:
-      return cloneAs<TLSubMessageReal>(other);
-    case 4:
-      return cloneAs<TLSubMessageIntegerPtr>(other);
-    case 5:
-      return cloneAs<TLSubMessageFloatPtr>(other);
-    case 6:
-      return cloneAs<TLSubMessageRealPtr>(other);
-    case 7:
-      return cloneAs<TLSubMessageString>(other);
-    default:
-      return new TLSubMessage;
-  }
+  const Factory* factory = findFactory(other.type());
+  return factory == nullptr ? nullptr : factory->clone(other);
 }

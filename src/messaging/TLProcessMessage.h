@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "messaging/TLMessageCodes.h"
+#include "messaging/TLSteeringParameters.h"
 #include "messaging/TLSubMessage.h"
 #include "textio/Handle.h"
 #include "textio/RWCString.h"
@@ -16,6 +17,8 @@
 class TLProcessMessage : public RefCounted {
  public:
   TLProcessMessage() = default;
+  /// A message whose received steering values land in `set`.
+  explicit TLProcessMessage(const Handle<TLSteeringParameters>& set) : steering(set) {}
   TLProcessMessage(const TLProcessMessage& other) : RefCounted(other) { assign(other); }
   TLProcessMessage& operator=(const TLProcessMessage& other) {
     assign(other);
@@ -43,6 +46,11 @@ class TLProcessMessage : public RefCounted {
   /// @{
   void addInteger(std::int32_t value);
   void addString(const RWCString& text);
+  /// Values of `parameters` that are not in `known`, which may be none.
+  void addSteering(const Handle<TLSteeringParameters>& parameters,
+                   const Handle<TLSteeringParameters>& known);
+  /// The settings of `parameters`.
+  void addNewSteering(const Handle<TLSteeringParameters>& parameters);
   /// @}
 
   /// A new, empty sub-message of a type code; none for an unknown code.
@@ -50,6 +58,7 @@ class TLProcessMessage : public RefCounted {
   /// A copy of `other` with its own fields (arrays and steering sets are shared).
   static Handle<TLSubMessage> cloneSubMessage(const TLSubMessage& other);
 
+  Handle<TLSteeringParameters> steering;          ///< where received values land; may be none
   std::vector<Handle<TLSubMessage>> subMessages;  ///< in the order of the wire
   std::int32_t tag = 1;
   std::int32_t source = -1;  ///< sender, filled on receive
