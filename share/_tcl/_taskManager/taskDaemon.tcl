@@ -1,0 +1,245 @@
+# The window of the task daemon: what runs, what happened, the log that is followed; and the timer
+# that drives all supervision. docs/script-contract.md tells what the program offers and asks for.
+#
+# This file is evaluated before the task exists: it only makes the window and arms the timer.
+
+foreach part {vocabulary runState logView look} {
+  source [file join [file dirname [info script]] $part.tcl]
+}
+
+namespace eval ::taskWindow {
+  variable period 500
+  variable started [clock seconds]
+  variable updating 0
+  variable asking 0
+  variable finished 0
+  variable lastReport ""
+  variable repeats 0
+  variable steps {}
+  variable view .body.lower.reports.card.text
+  variable list .body.steps.card.list
+
+  if {[info exists ::env(TL_UPDATE_MS)] && [string is integer -strict $::env(TL_UPDATE_MS)]} {
+    set period [expr {max(1, $::env(TL_UPDATE_MS))}]
+  }
+
+  # One beat: a supervision cycle, then the next beat is armed. So no cycle begins while one is in
+  # progress, whatever that one lets happen meanwhile.
+  proc beat {} {
+    variable period
+    variable updating
+    set updating 1
+    if {[catch {task_update} error]} { report bad "The supervision failed: $error" }
+    set updating 0
+    catch {showState}
+    after $period ::taskWindow::beat
+  }
+
+  # What must go on during a long cycle, too.
+  proc tick {} {
+    variable started
+    catch {
+      .header.elapsed configure -text [duration [expr {[clock seconds] - $started}]]
+      ::tail::update_
+      showTimes
+    }
+    after 500 ::taskWindow::tick
+  }
+
+  proc duration {seconds} {
+    set seconds [expr {int($seconds)}]
+    return [format "%d:%02d:%02d" [expr {$seconds / 3600}] [expr {$seconds / 60 % 60}] \
+                [expr {$seconds % 60}]]
+  }
+
+  proc clockTime {seconds} {
+    if {$seconds <= 0} { return "" }
+    return [clock format [expr {int($seconds)}] -format %H:%M:%S]
+  }
+
+  # --- what happened ---------------------------------------------------------------------------
+
+  proc report {kind sentence} {
+    variable view
+    variable lastReport
+    variable repeats
+    # What is reported at every cycle takes one line.
+    if {$kind ne "text" && $sentence eq $lastReport} {
+      incr repeats
+      .footer.text configure -text "$sentence (\u00d7[expr {$repeats + 1}])"
+      return
+    }
+    set lastReport $sentence
+    set repeats 0
+    .footer.text configure -text ""
+    set tag [expr {$kind eq "text" ? "said" : $kind}]
+    set time [clock format [clock seconds] -format %H:%M:%S]
+    foreach line [split [string trimright $sentence] "\n"] {
+      ::growingText::add $view [list "$time\t" dim "$::look::sign($kind)\t" $kind $line $tag]
+      set time ""
+    }
+  }
+
+  proc alarm {text} {
+    .banner.text configure -text $text
+    grid .banner
+    report bad $text
+  }
+
+  # --- the steps -------------------------------------------------------------------------------
+
+  proc showState {} {
+    variable steps
+    set state [::runState::changed]
+    if {[dict size $state] == 0} return
+    set steps [dict get $state steps]
+    showName $state
+    showSteps
+    showProgress $state
+  }
+
+  proc showName {state} {
+    set name [get_task_name]
+    if {$name in {"" unknown}} { set name [file tail [dict get $state task_file]] }
+    .header.name configure -text $name
+    wm title . "$name \u2013 task"
+    wm iconname . $name
+  }
+
+  proc showSteps {} {
+    variable steps
+    variable list
+    set position 0
+    foreach step $steps {
+      lassign [dict get $::look::states [dict get $step status]] word kind
+      set values [list [dict get $step name] "$::look::sign($kind) $word" [dict get $step host] \
+                      [clockTime [dict get $step started]] [stepTime $step] \
+                      [lindex [split [dict get $step reason] "\n"] 0]]
+      if {[$list exists $position]} {
+        $list item $position -values $values -tags $kind
+      } else {
+        $list insert {} end -id $position -values $values -tags $kind
+      }
+      if {$word eq "running"} { $list see $position }
+      incr position
+    }
+  }
+
+  proc stepTime {step} {
+    set begin [dict get $step started]
+    if {$begin <= 0} { return "" }
+    set end [dict get $step ended]
+    return [duration [expr {($end > 0 ? $end : [clock seconds]) - $begin}]]
+  }
+
+  # The times of the steps that run go on between two changes of the state.
+  proc showTimes {} {
+    variable steps
+    variable list
+    set position 0
+    foreach step $steps {
+      if {[dict get $step status] == 1 && [$list exists $position]} {
+        $list set $position time [stepTime $step]
+      }
+      incr position
+    }
+  }
+
+  proc showProgress {state} {
+    variable steps
+    variable finished
+    set total [llength $steps]
+    array set count {waiting 0 running 0 finished 0 failed 0 crashed 0 stopped 0}
+    foreach step $steps {
+      incr count([lindex [dict get $::look::states [dict get $step status]] 0])
+    }
+    set ended [expr {$total - $count(waiting) - $count(running)}]
+    .header.done configure -maximum [expr {max(1, $total)}] -value $ended
+    set parts {}
+    foreach word {running waiting finished failed crashed stopped} {
+      if {$count($word) > 0} { lappend parts "$count($word) $word" }
+    }
+    set steps_ [expr {$total == 1 ? "1 step" : "$total steps"}]
+    .header.what configure -text \
+        "[dict get $state host]   \u00b7   $steps_: [join $parts {, }]"
+    set finished [expr {$total > 0 && $ended == $total}]
+    if {$finished} {
+      .footer.stop state disabled
+      .footer.text configure -text "All steps have ended."
+    }
+  }
+
+  # --- what the user may do --------------------------------------------------------------------
+
+  # A stop in the middle of a launch waits until that is through.
+  proc stop {} {
+    variable updating
+    variable asking
+    if {$updating} {
+      after 100 ::taskWindow::stop
+      return
+    }
+    if {$asking} return
+    set asking 1
+    catch {stop_task} answer
+    set asking 0
+    if {$answer eq "yes"} { report warn "The task was stopped from this window." }
+    catch {showState}
+  }
+
+  # Closing the window never ends a running task by the way.
+  proc close {} {
+    variable finished
+    variable asking
+    if {$asking} return
+    set asking 1
+    if {$finished} {
+      set choice [::look::ask "Close the task?" \
+          "All steps have ended. Closing ends the task daemon; an interface can't ask it for\
+           anything after that." {"Close" exit "Keep open" no}]
+    } else {
+      set choice [::look::ask "The task is still running" \
+          "The window can be put away; the task goes on and an interface can join it at any time.\
+           Ending the daemon leaves the running tools to themselves, and nothing that waits\
+           will be started." {"End the daemon" exit "Put away" away "Cancel" no}]
+    }
+    set asking 0
+    switch $choice {
+      exit { exit_taskmanagerc }
+      away { wm iconify . }
+    }
+  }
+}
+
+# --- what the program calls ---------------------------------------------------------------------
+
+proc task_manager_receive_message {args} {
+  lassign [::vocabulary::explain [join $args " "]] kind sentence
+  ::taskWindow::report $kind $sentence
+}
+
+proc task_manager_update_ratio {args} {
+  .header.values configure -text \
+      "last values of the solver: [clock format [clock seconds] -format %H:%M:%S]"
+}
+
+proc task_manager_init_tail {file} { ::tail::follow $file }
+
+proc task_manager_update_tail {args} { ::tail::update_ }
+
+# 1 when the user agrees. The task is supervised on while the question stands.
+proc confirm {text args} {
+  return [::look::ask "Stop the task?" \
+      "[string totitle [string trim $text] 0 0]: every running step is ended at once, and no other\
+       is started." {"Stop the task" 1 "Keep running" 0}]
+}
+
+# Tells a failure without holding anything up.
+proc okMessage {text args} { ::taskWindow::alarm [string trim $text] }
+
+# Errors of timers and bindings go to the list of what happened, not into a dialog.
+proc bgerror {text} { catch {::taskWindow::report bad "Internal error of the window: $text"} }
+
+::look::window
+after 1 ::taskWindow::beat
+after 1 ::taskWindow::tick
