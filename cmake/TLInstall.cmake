@@ -15,11 +15,9 @@ endif()
 configure_file(share/suite/settings.ini.in settings.ini @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
 
-if(TARGET tltaskmgr)
 install(TARGETS tltaskmgr DESTINATION ${TL_BIN_DIR})
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
-endif()
 install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
   FILES_MATCHING PATTERN "*.tcl")
 if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)

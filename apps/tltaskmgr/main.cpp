@@ -8,8 +8,7 @@
 #include <iostream>
 #include <string_view>
 
-#include "launching/TLFileCommandTable.h"
-#include "launching/TLStepLauncher.h"
+#include "launching/TLCommands.h"
 #include "messaging/TLMessageCodes.h"
 #include "messaging/TLProcessMessage.h"
 #include "parameters/TLFile.h"
@@ -89,7 +88,6 @@ int main(int argc, char** argv) {
   setCurrentTask(nullptr);
   TLEnvironmentVariables::initWin32(argc, argv);
   initFileCommands();
-  registerStepLauncher();
   gTaskSession = new TkSession(argc, argv);  // lives as long as the process
   registerTaskCommands();
   setTaskManagerEnd(endTaskManager);

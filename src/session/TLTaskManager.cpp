@@ -5,6 +5,7 @@
 #include <string>
 #include <string_view>
 
+#include "launching/TLCommands.h"
 #include "messaging/TLVirtualMachine.h"
 #include "parameters/TLFile.h"
 #include "platform/TLConsole.h"
@@ -35,11 +36,6 @@ std::string asWord(const std::string& path) {
       "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._/-+,:=@%\\";
   const bool plain = path.find_first_not_of(kPlain) == std::string::npos;
   return plain || hostForm().kind() == TLHostKind::win32 ? path : hostForm().quoted(path);
-}
-
-RWCString suiteDirectory() {
-  const char* directory = std::getenv("TALVEN_DIR");
-  return directory == nullptr ? "" : directory;
 }
 
 }  // namespace
@@ -76,8 +72,8 @@ void endTaskManager() {
   if (!gCatchoutFileName.empty()) {
     if (gCatchoutFile != nullptr) std::fclose(gCatchoutFile);
     gCatchoutFile = nullptr;
-    const RWCString remove = hostForm().fileCommands(suiteDirectory()).remove;
-    hostForm().runSystem(remove + " " + hostForm().toLocal(asWord(gCatchoutFileName)));
+    const RWCString name = hostForm().toLocal(asWord(gCatchoutFileName));
+    hostForm().runSystem(fileCommands().remove + " " + name);
   }
   runRecorder().forget();
   exitThroughScript();
