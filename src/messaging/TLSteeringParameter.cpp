@@ -97,6 +97,7 @@ struct TLSteeringParameterKeys {
   // stays "unknown".
   template <auto List, bool DropUnknown>
   static TLKeyResult readEntry(P& parameter, TLKeyContext& context) {
+    if (R::lineHasToken(context.line, "tl_end")) return TLKeyResult::next;
     auto& list = parameter.*List;
     typename std::remove_reference_t<decltype(list)>::value_type entry(
         new std::remove_reference_t<decltype(*list.front())>);

@@ -72,11 +72,16 @@ const TLKeyTable<TLPhysicalEntry>& physicalKeys() {
 
 }  // namespace
 
-TLPhysicalEntry::TLPhysicalEntry()
-    : timeProfile(new TLProfile),
-      spaceProfile(new TLProfile),
-      polynom(new TLPolynom),
-      frequencyProfile(new TLProfile) {}
+// Files hold very many entries and most of them no law, so that all share one empty law of each
+// kind.
+TLPhysicalEntry::TLPhysicalEntry() {
+  static const Handle<TLProfile> noProfile = makeHandle<TLProfile>();
+  static const Handle<TLPolynom> noPolynom = makeHandle<TLPolynom>();
+  timeProfile = noProfile;
+  spaceProfile = noProfile;
+  polynom = noPolynom;
+  frequencyProfile = noProfile;
+}
 
 TLPhysicalEntry::TLPhysicalEntry(RWCString entryName) : TLPhysicalEntry() {
   name = std::move(entryName);

@@ -30,7 +30,8 @@ class TLPhysicalEntry : public TLEntry {
   double value = 0.0;
   double minValue = 1000000.0;
   RWCString variableType = "constant";
-  Handle<TLProfile> timeProfile;  ///< the laws are never null
+  /// The laws are never null. Entries may share them: replace a law, don't change it in place.
+  Handle<TLProfile> timeProfile;
   Handle<TLProfile> spaceProfile;
   Handle<TLPolynom> polynom;
   Handle<TLProfile> frequencyProfile;

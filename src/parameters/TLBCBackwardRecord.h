@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <utility>
+#include <vector>
+
+#include "textio/RWCString.h"
+#include "textio/RefCounted.h"
+#include "textio/TLTextSource.h"
+
+/// How a kind of boundary condition of older definitions maps to one of today.
+class TLBCBackwardRecord : public RefCounted {
+ public:
+  /// Places of one value in the lists of the new and of the old kind, from 0.
+  using IndexPairs = std::vector<std::pair<std::int32_t, std::int32_t>>;
+
+  /// Reads the lines between "begin_backward_compatibility" and "end_backward_compatibility". 1, or
+  /// 0 on a malformed line. A line of index pairs that lacks one is told and passed over.
+  int read(TLTextSource& source);
+
+  std::int32_t version = 0;
+  std::int32_t versionOld = 0;
+  std::int32_t typeNew = 0;
+  std::int32_t opselNew = 0;
+  std::int32_t typeOld = 0;
+  std::int32_t opselOld = 0;
+  IndexPairs physicalEntries;
+  IndexPairs realEntries;
+  IndexPairs choiceEntries;
+  IndexPairs vectorEntries;
+  IndexPairs integerEntries;
+  std::vector<std::pair<RWCString, std::int32_t>> newValues;  ///< by name of the new entry
+};

@@ -1,0 +1,98 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "parameters/TLBCLagrangianEntry.h"
+#include "parameters/TLChoiceEntry.h"
+#include "parameters/TLIntegerEntry.h"
+#include "parameters/TLPhysicalEntry.h"
+#include "parameters/TLRealEntry.h"
+#include "parameters/TLStringEntry.h"
+#include "parameters/TLVectorEntry.h"
+#include "textio/Handle.h"
+
+/// One kind of boundary condition with its entries: a definition of the database, or what a project
+/// sets for a condition of that kind. `typeId` and `typeOpsel` together name the kind.
+class TLBCParameters : public RefCounted {
+ public:
+  /// Reads the record behind its opening line ("bc_parameters" or "control_surface"). 1, or 0 on a
+  /// malformed line.
+  int read(TLTextSource& source);
+  /// Writes the lines of the record, without opening and closing.
+  void write(TLTextSink& sink) const;
+
+  /// The first entry called `name`, of whatever kind; null when there is none.
+  Handle<TLEntry> entry(std::string_view name) const;
+  /// The choice called `name`; null, with a message, when there is none.
+  Handle<TLChoiceEntry> choiceEntry(std::string_view name) const;
+
+  /// A copy whose entries are its own.
+  Handle<TLBCParameters> clone() const;
+  /// Takes over what a project sets: the values of all entries that stand under the same name in
+  /// `other`, and its index, name and frame.
+  void takeValues(const TLBCParameters& other);
+  /// Gives the record and its particle entries the short word of its type ("INL" for "INLET", "SOL"
+  /// for "SOLID").
+  void setShortWords();
+
+  /// A record for the control surface with this number: its entries are integers, "outlet_" with
+  /// the number and "Reference_Control_Surface".
+  static Handle<TLBCParameters> makeControlSurface(std::int32_t number);
+  /// Which of a solid's speeds `name` tells: 1 for "rotational_speed_1", 2 for
+  /// "rotational_speed_2", 0 for neither.
+  static int rotationalSpeed(std::string_view name);
+
+  double version = 3.0;
+  std::int32_t bcParametersIndex = 0;
+  RWCString bcType = "UNDEFINED";
+  RWCString type = "UNDEFINED";
+  std::vector<RWCString> subType;
+  std::vector<RWCString> subType1;
+  std::vector<RWCString> subType2;
+  RWCString name;
+  RWCString condition = "none";
+  std::int32_t expertMode = 0;
+  std::int32_t typeId = 0;
+  std::int32_t typeOpsel = 0;
+  RWCString shortWord;  ///< "INL", "SOL" or empty
+  std::int32_t localSystem = 0;
+  std::array<double, 3> localLiftDirection{};
+  std::array<double, 3> localDragDirection{};
+  std::array<double, 3> localMomentDirection{};
+  std::array<double, 3> localMomentCenter{};
+
+  std::vector<Handle<TLPhysicalEntry>> physicalEntries;
+  std::vector<Handle<TLPhysicalEntry>> chemicalEntries;
+  std::vector<Handle<TLRealEntry>> realEntries;
+  std::vector<Handle<TLVectorEntry>> vectorEntries;
+  std::vector<Handle<TLIntegerEntry>> integerEntries;
+  std::vector<Handle<TLChoiceEntry>> choiceEntries;
+  std::vector<Handle<TLStringEntry>> stringEntries;
+  std::vector<Handle<TLBCLagrangianEntry>> lagrangianEntries;
+  /// Entries of the "_def" blocks: part of a definition, never written.
+  std::vector<Handle<TLRealEntry>> realEntriesDef;
+  std::vector<Handle<TLVectorEntry>> vectorEntriesDef;
+  std::vector<Handle<TLIntegerEntry>> integerEntriesDef;
+  std::vector<Handle<TLChoiceEntry>> choiceEntriesDef;
+  std::vector<Handle<TLStringEntry>> stringEntriesDef;
+
+ private:
+  friend struct TLBCParametersKeys;
+  void clearEntries();
+  void copyImpedance();
+  bool hasImpedanceReals() const;
+
+  std::int32_t entriesRead_ = 0;
+};
+
+/// Passes what a project sets in one entry to another of its kind; name, units and condition stay
+/// those of the receiver.
+void passValue(const TLPhysicalEntry& from, TLPhysicalEntry& to);
+void passValue(const TLRealEntry& from, TLRealEntry& to);
+void passValue(const TLVectorEntry& from, TLVectorEntry& to);
+void passValue(const TLIntegerEntry& from, TLIntegerEntry& to);
+void passValue(const TLChoiceEntry& from, TLChoiceEntry& to);
+void passValue(const TLStringEntry& from, TLStringEntry& to);
