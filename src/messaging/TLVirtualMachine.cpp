@@ -16,6 +16,7 @@ static_assert(kVirtualMachineOk == PvmOk && kVirtualMachineNoTask == PvmNoTask);
 namespace {
 
 RWCString gLastSpawn = "ok";
+bool gAllowed = true;
 
 int truth(int code) {
   return code >= 0 ? 1 : 0;
@@ -95,11 +96,16 @@ RWCString localMachineName() {
 
 }  // namespace
 
+void TL_virtual_machine_allow(bool allowed) {
+  gAllowed = allowed;
+}
+
 std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& archCount,
                                        std::vector<TLVirtualMachineHost>& hosts) {
   hosts.clear();
   hostCount = 0;
   archCount = 0;
+  if (!gAllowed) return PvmSysErr;
   pvmhostinfo* table = nullptr;
   const int answer = pvm_config(&hostCount, &archCount, &table);
   if (answer < 0 || table == nullptr) return answer;
@@ -134,6 +140,7 @@ const RWCString& TL_virtual_machine_last_spawn() {
 }
 
 std::int32_t TL_virtual_machine_status(std::int32_t tid) {
+  if (!gAllowed) return PvmSysErr;
   return pvm_pstat(tid);
 }
 
@@ -142,11 +149,13 @@ std::int32_t TL_virtual_machine_kill(std::int32_t tid) {
 }
 
 std::int32_t TL_virtual_machine_parent() {
+  if (!gAllowed) return 0;
   const int parent = pvm_parent();
   return parent == PvmNoParent ? 0 : parent;
 }
 
 std::int32_t TL_virtual_machine_mytid() {
+  if (!gAllowed) return 0;
   return std::max(pvm_mytid(), 0);
 }
 

@@ -30,6 +30,11 @@ constexpr std::int32_t kVirtualMachineOk = 0;
 constexpr std::int32_t kVirtualMachineNoTask = -31;
 /// @}
 
+/// Whether this process may touch the virtual machine at all; true at first. While it is false the
+/// host table, the parent, the own identifier and a task's status are answered as where no machine
+/// runs, without a call to PVM, which would complain on the terminal or end a root's process.
+void TL_virtual_machine_allow(bool allowed);
+
 /// The host table and the number of hosts and architectures. Answers PVM's value; `hosts` is empty
 /// when it is negative.
 std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& archCount,

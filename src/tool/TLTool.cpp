@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <vector>
 
+#include "messaging/TLVirtualMachine.h"
 #include "tool/TLCommands.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLFileReport.h"
@@ -94,6 +95,7 @@ int report(const CLI::App& app, const CLI::ParseError& error, const std::string&
 }  // namespace
 
 int runTool(int argc, char** argv) {
+  TL_virtual_machine_allow(false);  // until a command has found a machine to join
   const std::vector<TLCommand> commands = allCommands();
   CLI::App app(
       "Command line of the task manager: runs tasks, talks to their daemons, checks files.",
