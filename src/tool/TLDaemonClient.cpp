@@ -64,6 +64,7 @@ bool isTerminalStatus(std::int32_t status) {
 }
 
 bool TLDaemonClient::enrol() {
+  TL_virtual_machine_allow(true);
   return TL_virtual_machine_mytid() > 0;
 }
 
