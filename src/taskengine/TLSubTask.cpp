@@ -147,7 +147,7 @@ void TLSubTask::updateHostKind() {
 
 int TLSubTask::pollMessages(std::int32_t tid, std::int32_t tag) {
   while (true) {
-    const auto message = makeHandle<TLProcessMessage>();
+    const auto message = makeHandle<TLProcessMessage>(steering);
     if (!message->receiveNoWait(tid, tag)) return 1;
     inbox.push_back(message);
     const Handle<TLProcessMessage> first = inbox.front();
@@ -157,7 +157,7 @@ int TLSubTask::pollMessages(std::int32_t tid, std::int32_t tag) {
 }
 
 int TLSubTask::waitMessage(std::int32_t tid, std::int32_t tag) {
-  const auto message = makeHandle<TLProcessMessage>();
+  const auto message = makeHandle<TLProcessMessage>(steering);
   if (!message->receive(tid, tag)) return 1;
   inbox.push_back(message);
   const auto waiting = inbox;

@@ -13,15 +13,16 @@ bool continues(const TLSteeringParameter& present, const TLSteeringParameter& ne
 
 }  // namespace
 
-void TLSubTask::sendSteering(std::int32_t tid, const Handle<TLSteeringParameters>& /*known*/) {
+void TLSubTask::sendSteering(std::int32_t tid, const Handle<TLSteeringParameters>& known) {
   if (!steering) return;
-  TLProcessMessage message;
+  TLProcessMessage message(steering);
   message.tag = TL_MSG_STEERING_VALUES;
   message.destination = tid;
   const auto found = std::find(parents.begin(), parents.end(), tid);
   const auto position = static_cast<std::size_t>(found - parents.begin());
   const bool isParent = position < parentSteeringDirty.size();
   message.addString(steering->name);
+  message.addSteering(steering, known);
   message.addInteger(isParent ? parentSteeringDirty[position] : 0);
   if (isParent) parentSteeringDirty[position] = 0;
   steering->resetMark = 0;
@@ -51,6 +52,7 @@ void TLSubTask::answerSteering(std::int32_t tid) {
     TLProcessMessage answer;
     answer.tag = TL_MSG_NEW_STEERING;
     answer.addString(steering->name);
+    answer.addNewSteering(steering);
     answer.destination = tid;
     answer.send();
   }

@@ -3,6 +3,8 @@
 #include <utility>
 
 #include "launching/TLProgramNames.h"
+#include "messaging/TLSubMessageNewSteering.h"
+#include "messaging/TLSubMessageSteeringStatus.h"
 #include "messaging/TLVirtualMachine.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLMessageItems.h"
@@ -69,6 +71,8 @@ void TLTaskChildren::answerStatus(TLProcessMessage& question) {
     const TLSubMessage& item = *question.subMessages[static_cast<std::size_t>(i)];
     TLSubTask& step = *subTask(i);
     if (item.type() != kSteeringStatus || step.steeringAsked == 0) continue;
+    step.sendSteering(question.source,
+                      static_cast<const TLSubMessageSteeringStatus&>(item).parameters);
   }
 }
 
@@ -202,7 +206,8 @@ void TLTaskChildren::takeSteering(TLProcessMessage& message) {
   if (message.subMessages.size() != 2) return;
   const RWCString* file = firstText(message);
   if (file == nullptr || message.subMessages.back()->type() != kNewSteering) return;
-  const Handle<TLSteeringParameters> parameters;
+  const Handle<TLSteeringParameters> parameters =
+      static_cast<const TLSubMessageNewSteering&>(*message.subMessages.back()).parameters;
   for (const auto& step : subTasks) {
     for (const auto& argument : step->arguments.entries()) {
       if (argument->value() != *file) continue;
