@@ -1,1 +1,251 @@
+#include "../platform/TTempDir.h"
 #include "TEngineTest.h"
+#include "messaging/TLSubMessageNewSteering.h"
+#include "messaging/TLSubMessageSteeringStatus.h"
+#include "platform/TLHostForm.h"
+
+namespace {
+
+constexpr std::int32_t kInterface = 900;
+using S = TLSubTask;
+
+class TaskMessagesTest : public TEngineTest {
+ protected:
+  void give(std::int32_t tag, std::optional<std::int32_t> first = std::nullopt,
+            const std::vector<std::string>& texts = {}) {
+    TLProcessMessage made = message(tag, kInterface);
+    if (first) made.addInteger(*first);
+    for (const auto& text : texts) made.addString(text);
+    task->handleMessage(made);
+  }
+};
+
+TEST_F(TaskMessagesTest, APollAnswersWithTheStatuses) {
+  add("A");
+  add("B");
+  add("C");
+  give(1);
+  EXPECT_EQ(sent(), Lines{"900:1 0 0 0"});
+  EXPECT_EQ(launched(), Lines{});
+  addRunning("D", "tool", {7}).loadBalancing.parallel = 1;
+  addRunning("E", "tool", {8});
+  isGone(8, -14);
+  give(1);
+  EXPECT_EQ(sent(), Lines{"900:1 0 0 0 1 3"});
+}
+
+TEST_F(TaskMessagesTest, APollBringsTheSteeringThatIsLacking) {
+  addRunning("A", "velstra", {7}).steeringAsked = 1;
+  addRunning("B", "velstra", {8});
+  addRunning("C", "velstra", {9}).steeringAsked = 1;
+  TLProcessMessage question = message(1, kInterface);
+  for (int i = 0; i < 2; ++i) {
+    question.subMessages.push_back(new TLSubMessageSteeringStatus);
+    static_cast<TLSubMessageSteeringStatus&>(*question.subMessages.back()).parameters =
+        makeHandle<TLSteeringParameters>();
+  }
+  question.addInteger(1);
+  task->handleMessage(question);
+  EXPECT_EQ(sent(), (Lines{"900:1 1 1 1", "900:13 'unknown' type 8"}));
+}
+
+TEST_F(TaskMessagesTest, StopOfTheWholeTask) {
+  addRunning("A", "velstra", {7, 8});
+  TLSubTask& queued = addRunning("B", "tool", {42});
+  queued.loadBalancing.queuingSystemActivated = 3;
+  add("C");
+  give(2, -1);
+  EXPECT_EQ(said(), Lines{"TASK_MUST_BE_STOPPED_-1"});
+  EXPECT_EQ(vm.kills, (std::vector<std::int32_t>{7, 8}));
+  EXPECT_EQ(launched(), (Lines{"stopSubTask A", "stopSubTask B", "stopSubTask C"}));
+  EXPECT_EQ(statuses(), (std::vector<std::int32_t>{5, 5, 5}));
+  for (const auto& step : task->subTasks) EXPECT_EQ(step->finishMessage.tag, 1);
+  EXPECT_EQ(sent(), Lines{"900:2"});
+  task->superviseOnce();
+  EXPECT_EQ(launched(), Lines{}) << "what was stopped before its start never starts";
+}
+
+TEST_F(TaskMessagesTest, StoppingSavesTheSteeringOfAllButSolvers) {
+  TTempDir dir;
+  add("A", "velstra").steering->name = dir.file("solver.steering");
+  add("B", "tool").steering->name = dir.file("tool.steering");
+  add("C", "tool").applyNewSteering(nullptr);
+  give(2, -1);
+  EXPECT_FALSE(dir.has("solver.steering"));
+  EXPECT_TRUE(dir.has("tool.steering"));
+}
+
+TEST_F(TaskMessagesTest, StopOfOneStep) {
+  addRunning("A", "velstra", {7, 8});
+  TLSubTask& queued = addRunning("B", "velstra", {42});
+  queued.loadBalancing.queuingSystemActivated = 1;
+  give(2, 0);
+  give(2, 1);
+  give(2, 2);
+  give(2, -2);
+  give(2);
+  give(2, std::nullopt, {"0"});
+  EXPECT_EQ(said(), (Lines{"SUBTASK_0_MUST_BE_STOPPED", "SUBTASK_1_MUST_BE_STOPPED"}));
+  EXPECT_EQ(vm.kills, (std::vector<std::int32_t>{7, 8}));
+  EXPECT_EQ(launched(), Lines{"stopSubTask B"});
+  EXPECT_EQ(statuses(), (std::vector<std::int32_t>{5, 5}));
+  EXPECT_EQ(task->subTask(0)->finishMessage.tag, -1);
+  EXPECT_EQ(sent(), Lines{});
+}
+
+TEST_F(TaskMessagesTest, EndMessagesAreReplayedOnce) {
+  add("A").finishMessage.tag = 5;
+  task->subTask(0)->finishMessage.addString("done");
+  add("B");
+  add("C").finishMessage.tag = 1;
+  give(6);
+  EXPECT_EQ(said(), Lines{"GET_FLOW_SOLVER_STATUS_MESSAGE"});
+  EXPECT_EQ(sent(), (Lines{"900:5 'done'", "900:5", "900:6"}));
+  give(6);
+  EXPECT_EQ(sent(), Lines{"900:6"});
+  EXPECT_EQ(task->subTask(0)->finishMessage.tag, -2);
+}
+
+TEST_F(TaskMessagesTest, ShortReactions) {
+  struct Case {
+    std::int32_t tag;
+    const char* word;
+  };
+  for (const Case& test :
+       {Case{5, "\"FLOW SOLVER STARTED\""}, Case{10, "RECONNECTED_TO_PARENT"},
+        Case{19, "RECONNECTED_TO_OTHER_MIRE_SESSION"}, Case{9, "TRY_RECONNECTION_TO_CHILDREN"}}) {
+    give(test.tag);
+    EXPECT_EQ(said(), Lines{test.word});
+    EXPECT_EQ(sent(), Lines{});
+  }
+  for (const int tag : {0, 4, 7, 8, 13, 14, 15, 22, 24, 28, 31, 10001, -1}) give(tag, 1, {"x"});
+  EXPECT_EQ(said(), Lines{});
+  give(3);
+  EXPECT_EQ(exits_, 1);
+}
+
+TEST_F(TaskMessagesTest, ANewInterfaceBecomesAParentEverywhere) {
+  TLSubTask& step = add("A");
+  step.steeringDirty = 1;
+  give(10);
+  give(10);
+  EXPECT_EQ(said(), (Lines(2, "RECONNECTED_TO_PARENT")));
+  EXPECT_EQ(task->parents, (std::vector<std::int32_t>{kParent, kInterface}));
+  EXPECT_EQ(step.parents, (std::vector<std::int32_t>{kParent, kInterface}));
+  EXPECT_EQ(step.parentSteeringDirty, (std::vector<std::int32_t>{0, 1}));
+}
+
+TEST_F(TaskMessagesTest, AProcessFindsItsStepByTheRunFile) {
+  TLSubTask& first = add("A");
+  argument(first, "none", "/a.run");
+  TLSubTask& second = add("B");
+  argument(second, "none", "/b.run");
+  give(9, std::nullopt, {"/b.run"});
+  EXPECT_EQ(said(), (Lines{"TRY_RECONNECTION_TO_CHILDREN", "RECONNECTED_TO_CHILDREN"}));
+  EXPECT_EQ(first.children, std::vector<std::int32_t>{});
+  EXPECT_EQ(second.children, std::vector<std::int32_t>{kInterface});
+  TLProcessMessage identity = message(20, kInterface);
+  identity.addString("/a.run");
+  identity.addInteger(-4);
+  task->handleMessage(identity);
+  identity.addString("no number last");
+  task->handleMessage(identity);
+  EXPECT_EQ(said(), Lines{"RECEIVE_PROCESS_ID"});
+  EXPECT_EQ(first.processIds, std::vector<std::int32_t>{-4});
+}
+
+TEST_F(TaskMessagesTest, SavingAndThePerformanceCurve) {
+  addRunning("A", "velstra", {7, 8});
+  addRunning("B", "velstra", {9});
+  give(21, 0);
+  give(21, -1);
+  EXPECT_EQ(said(), (Lines(2, "SUBTASK_PROMPTS_TO_SAVE_SOLUTION")));
+  give(21, 2);
+  give(21, -2);
+  give(21, std::nullopt, {"0"});
+  EXPECT_EQ(said(), Lines{});
+  EXPECT_EQ(sent(), (Lines{"7:21", "8:21"}));
+  task->addParent(kInterface);
+  give(29, 4, {"curve"});
+  EXPECT_EQ(said(), Lines{"VELSTRA_PERF_CURVE"});
+  EXPECT_EQ(sent(), (Lines{"500:29 4 'curve'", "900:29 4 'curve'"}));
+}
+
+TEST_F(TaskMessagesTest, Suspending) {
+  TTempDir dir;
+  addRunning("A", "velstra", {7});
+  TLSubTask& queued = addRunning("B", "velstra", {42});
+  queued.loadBalancing.queuingSystemActivated = 1;
+  addRunning("C", "velstra", {8, 9});
+  for (const auto& step : task->subTasks) {
+    step->hostName = hostForm().hostName();
+    argument(*step, "none", dir.file(step->name + ".run"));
+  }
+  const auto stopped = [&] {
+    std::string all;
+    for (const char* name : {"A", "B", "C"}) {
+      const std::string file = std::string(name) + ".stop";
+      if (dir.has(file)) all += name;
+      std::filesystem::remove(dir.file(file));
+    }
+    return all;
+  };
+  give(30);
+  EXPECT_EQ(gSuspendRequested, 1);
+  EXPECT_EQ(said(), Lines{"TASK_IS_BEING_SUSPENDED"});
+  EXPECT_EQ(sent(), (Lines{"7:11", "8:11", "9:11"}));
+  EXPECT_EQ(stopped(), "B");
+  gSuspendRequested = 0;
+
+  struct Case {
+    std::int32_t position;
+    Lines said;
+    Lines sent;
+    const char* stopped;
+  };
+  const Case cases[] = {
+      {-1, {"TASK_IS_BEING_SUSPENDED-1"}, {"7:11", "8:11", "9:11"}, "B"},
+      {2, {"TASK_IS_BEING_SUSPENDED2"}, {"7:11", "8:11", "9:11"}, "C"},
+      {0, {"SUBTASK_IS_BEING_SUSPENDED"}, {"7:11"}, ""},
+      {1, {"SUBTASK_IS_BEING_SUSPENDED"}, {}, "B"},
+      {3, {}, {}, ""},
+      {-2, {}, {}, ""},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.position);
+    give(11, test.position);
+    EXPECT_EQ(said(), test.said);
+    EXPECT_EQ(sent(), test.sent);
+    EXPECT_EQ(stopped(), test.stopped);
+    EXPECT_EQ(gSuspendRequested, 0);
+  }
+  give(11, std::nullopt, {"0"});
+  EXPECT_EQ(said(), Lines{});
+}
+
+TEST_F(TaskMessagesTest, NewSteeringFindsItsStepsByAnArgument) {
+  TLSubTask& running = addRunning("A", "velstra", {7, 8});
+  running.arguments.append("-steering", "/s.steering");
+  TLSubTask& waiting = add("B");
+  waiting.arguments.append("none", "/s.steering");
+  TLSubTask& other = add("C");
+  other.arguments.append("-steering", "/S.steering");
+  TLProcessMessage change = message(12, kInterface);
+  change.addString("/s.steering");
+  const auto set = makeHandle<TLSteeringParameters>();
+  change.addNewSteering(set);
+  task->handleMessage(change);
+  EXPECT_EQ(said(), (Lines{"NEW_STEERING_TRANSFERED_TO_TASKMANAGER",
+                           "NEW_STEERING_TRANSFERED_TO_FLOW_SOLVER",
+                           "NEW_STEERING_TRANSFERED_TO_TASKMANAGER"}));
+  EXPECT_EQ(sent(), (Lines{"7:12 '/s.steering' type 9", "8:12 '/s.steering' type 9"}));
+  EXPECT_TRUE(running.steering == set && waiting.steering == set);
+  EXPECT_FALSE(other.steering == set);
+  change.addInteger(1);
+  task->handleMessage(change);
+  give(12, 1, {"/s.steering"});
+  give(12, std::nullopt, {"/s.steering"});
+  EXPECT_EQ(said(), Lines{});
+}
+
+}  // namespace

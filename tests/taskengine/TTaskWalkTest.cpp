@@ -1,1 +1,291 @@
+#include <ctime>
+
+#include "../platform/TTempDir.h"
 #include "TEngineTest.h"
+#include "taskengine/TLStatusFile.h"
+
+namespace {
+
+using S = TLSubTask;
+using Statuses = std::vector<std::int32_t>;
+
+class TaskWalkTest : public TEngineTest {
+ protected:
+  std::vector<std::int32_t> walk() {
+    std::vector<std::int32_t> wasRunning;
+    task->launchDueSubTasks(wasRunning);
+    return wasRunning;
+  }
+};
+
+TEST_F(TaskWalkTest, AnEmptyTaskDoesNothing) {
+  EXPECT_EQ(walk().size(), 0U);
+  task->superviseOnce();
+  EXPECT_EQ(exits_, 0);
+}
+
+TEST_F(TaskWalkTest, WaitingStepsFollowOneAnother) {
+  add("A");
+  add("B");
+  add("C");
+  EXPECT_EQ(walk(), (Statuses{0, 0, 0}));
+  EXPECT_EQ(launched(), Lines{"startStep A"});
+  EXPECT_EQ(walk(), (Statuses{1, 0, 0}));
+  EXPECT_EQ(launched(), Lines{});
+  isGone(1001);
+  EXPECT_EQ(walk(), (Statuses{1, 0, 0})) << "what ran on entry";
+  EXPECT_EQ(launched(), Lines{"startStep B"});
+  isGone(1002);
+  walk();
+  isGone(1003);
+  walk();
+  EXPECT_EQ(statuses(), (Statuses{S::FinishedOk, S::FinishedOk, S::Running}))
+      << "nobody asks for the last step";
+}
+
+TEST_F(TaskWalkTest, AWaitingStepWaitsForAllBeforeIt) {
+  add("A");
+  add("B", "tool", 0);
+  add("C");
+  walk();
+  EXPECT_EQ(launched(), (Lines{"startStep A", "startStep B"}));
+  isGone(1002);
+  walk();
+  EXPECT_EQ(launched(), Lines{});
+  isGone(1001);
+  walk();
+  EXPECT_EQ(launched(), Lines{"startStep C"});
+}
+
+TEST_F(TaskWalkTest, AStepBesideASolverWaitsForItsWord) {
+  add("A", "velstraTurbo");
+  add("B", "tool", 0);
+  walk();
+  EXPECT_EQ(gLaunchConfirmed, 0);
+  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
+  walk();
+  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
+  EXPECT_EQ(launched(), Lines{"startStep A"});
+  gLaunchConfirmed = 1;
+  walk();
+  EXPECT_EQ(launched(), Lines{"startStep B"});
+  EXPECT_EQ(said(), Lines{});
+}
+
+TEST_F(TaskWalkTest, OneBesideNeedsOnlyTheStepBeforeIt) {
+  add("A", "tool", 0);
+  add("B", "velstra", 0);
+  add("C", "tool", 0);
+  add("D", "tool", 0);
+  walk();  // a solver without its confirmation holds what follows; D is behind C, not yet started
+  EXPECT_EQ(launched(), (Lines{"startStep A", "startStep B"}));
+  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
+  task->subTask(1)->status = S::Crashed;  // ended: no confirmation needed
+  walk();
+  EXPECT_EQ(launched(), (Lines{"startStep C", "startStep D"}));
+}
+
+TEST_F(TaskWalkTest, AStepThatNeverStarts) {
+  add("A", "tool", 2);
+  add("B", "tool", 0);
+  add("C");
+  walk();
+  EXPECT_EQ(launched(), Lines{"startStep B"}) << "nothing stands before it in the walk";
+  isGone(1001);
+  walk();
+  EXPECT_EQ(launched(), Lines{}) << "C waits for A, too";
+  task->clearSubTasks();
+  add("A", "tool", 2);
+  add("B");
+  walk();
+  EXPECT_EQ(launched(), Lines{});
+}
+
+TEST_F(TaskWalkTest, ConfirmationAfterEachKindOfStart) {
+  struct Case {
+    const char* executable;
+    std::int32_t waiting;
+    bool first;
+    std::int32_t confirmed;
+  };
+  const Case cases[] = {
+      {"tool", 1, true, 1},    {"velstra", 1, true, 0}, {"tool", 0, true, 1},
+      {"velstra", 0, true, 0}, {"tool", 1, false, 0},   {"velstra", 1, false, 0},
+      {"tool", 0, false, 1},
+  };
+  for (const auto& test : cases) {
+    task->clearSubTasks();
+    if (!test.first) add("before").status = S::FinishedOk;
+    add("A", test.executable, test.waiting);
+    gLaunchConfirmed = 1;
+    walk();
+    EXPECT_EQ(gLaunchConfirmed, test.confirmed) << &test - cases;
+  }
+}
+
+TEST_F(TaskWalkTest, FailedStartsAreReportedAndDontStopTheWalk) {
+  launcher.results = {{"A", -7}, {"B", -100}, {"C", -100}, {"D", -29}};
+  add("A");
+  add("B");
+  add("C", "tool", 0);
+  add("D", "tool", 0);
+  add("E");
+  task->subTask(1)->remoteTmpDir = "/tmp";
+  task->subTask(1)->hostName = "far";
+  walk();
+  EXPECT_EQ(statuses(), (Statuses{3, 3, 3, 3, 1}));
+  EXPECT_EQ(said(), Lines{"Cleaning_REMOTE_TMP_directory"});
+  EXPECT_EQ(launched(), (Lines{"startStep A", "removeRemoteDir A!", "startStep B",
+                               "removeRemoteDir B", "startStep C", "removeRemoteDir C!",
+                               "startStep D", "removeRemoteDir D!", "startStep E"}));
+  EXPECT_EQ(sent(),
+            (Lines{"500:5 'Couldn't start B : remote copy failed !!' 'Check if directory /tmp of "
+                   "host far is accessible and not full.' 1",
+                   "500:5 'Couldn't start C : remote copy failed !!' 'Check if directory C:\\tmp "
+                   "of host unknown is accessible and not full.' 2"}));
+  task->clearSubTasks();
+  launcher.results = {{"A", -100}};
+  add("A");
+  walk();
+  EXPECT_EQ(sent().size(), 1U);
+}
+
+TEST_F(TaskWalkTest, DisabledStepsPassByAtTheirTurn) {
+  add("A");
+  add("B").enabled = 0;
+  add("C");
+  walk();
+  EXPECT_EQ(statuses(), (Statuses{1, 0, 0}));
+  isGone(1001);
+  walk();
+  EXPECT_EQ(statuses(), (Statuses{2, 2, 1}));
+}
+
+/// The chain whose steps tell of failures in the status file.
+class MarineWalkTest : public TaskWalkTest {
+ protected:
+  MarineWalkTest() {
+    task->localComputationPath = dir_.path();
+    createStatusFile(dir_.file("x"));
+  }
+  void put(const char* block, const char* word) {
+    writeStatusEntry(word, block, "STATUS", dir_.file("x"));
+  }
+  TTempDir dir_;
+};
+
+TEST_F(MarineWalkTest, AFailedStepDisablesTheRest) {
+  add("PREMETIS");
+  add("QUOREL_CFD");
+  add("QUOREL2SORVIT");
+  walk();
+  put("premetis", "mismatch");
+  isGone(1001);
+  walk();
+  EXPECT_EQ(statuses(), (Statuses{2, 2, 2}));
+  EXPECT_EQ(launched(), Lines{"startMarineStep PREMETIS"});
+  for (const auto& step : task->subTasks) EXPECT_EQ(step->enabled, 0);
+  task->superviseOnce();
+  EXPECT_EQ(exits_, 1);
+}
+
+TEST_F(MarineWalkTest, WhatCountsAsFailure) {
+  struct Case {
+    const char* name;
+    const char* block;
+    const char* word;
+    bool failed;
+  };
+  const Case cases[] = {
+      {"PREMETIS", "premetis", "mismatch", true},
+      {"PREMETIS", "premetis", "running", true},
+      {"PREMETIS", "premetis", "finished", false},
+      {"PREMETIS", "premetis", "pending", false},
+      {"BRAMOSH2QUOREL", "bramosh2quorel", "failed", true},
+      {"QUOREL2SORVIT", "quorel2sorvit", "failed", true},
+      {"QUOREL_CFD", "quorelcfd", "failed", false},
+      {"CHECKSTATUS", "premetis", "failed", false},
+      {"LUMBRAKE", "premetis", "failed", false},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(testing::Message() << test.name << ' ' << test.word);
+    put(test.block, test.word);
+    EXPECT_EQ(TLTask::stepFailed(add(test.name)), test.failed);
+    put(test.block, "pending");
+  }
+  TLSubTask& post = add("POSTMETIS");
+  argument(post, "none", "-sim=" + dir_.file("other/x.sim"));
+  dir_.write("other/status.dat", "TL_BEGIN status\nTL_BEGIN postmetis\nSTATUS =failed\n");
+  EXPECT_TRUE(TLTask::stepFailed(post));
+}
+
+TEST_F(MarineWalkTest, AStepBesideLooksAtThoseBeforeIt) {
+  put("premetis", "failed");
+  add("PREMETIS").status = S::FinishedOk;
+  add("other", "tool", 0);
+  add("QUOREL_CFD", "quorelcfd", 0);
+  walk();
+  EXPECT_EQ(launched(), Lines{"startStep other"}) << "only a marine step looks";
+  EXPECT_EQ(statuses(), (Statuses{2, 1, 2}));
+}
+
+TEST_F(MarineWalkTest, ADisabledFailureDisablesNothing) {
+  put("premetis", "failed");
+  TLSubTask& first = add("PREMETIS");
+  first.status = S::FinishedOk;
+  first.enabled = 0;
+  add("QUOREL_CFD");
+  walk();
+  EXPECT_EQ(launched(), Lines{"startMarineStep QUOREL_CFD"});
+}
+
+TEST_F(MarineWalkTest, TheTaskEndsByItself) {
+  add("PREMETIS").status = S::FinishedKo;
+  add("CHECKSTATUS", "tool", 2);
+  TLSubTask& last = add("LUMBRAKE", "lumbrakesp", 2);
+  task->superviseOnce();
+  EXPECT_EQ(exits_, 0);
+  last.status = S::Stopped;
+  task->superviseOnce();
+  EXPECT_EQ(exits_, 1);
+  task->clearSubTasks();
+  add("LUMBRAKE").status = S::FinishedOk;
+  task->superviseOnce();
+  EXPECT_EQ(exits_, 1) << "only a marine task does";
+}
+
+TEST_F(TaskWalkTest, StoppingAsksFirst) {
+  addRunning("A", "velstra", {7, 8});
+  TLSubTask& queued = addRunning("B", "tool", {9});
+  queued.loadBalancing.queuingSystemActivated = 1;
+  add("C");
+  recordedScript().result = "yes";
+  EXPECT_EQ(task->stopTask(), "no");
+  EXPECT_EQ(statuses(), (Statuses{1, 1, 0}));
+  recordedScript().result = "1";
+  EXPECT_EQ(task->stopTask(), "yes");
+  EXPECT_EQ(said(), (Lines(2, "confirm { this will kill the task }")));
+  EXPECT_EQ(vm.kills, (Statuses{8, 7, 9}));
+  EXPECT_EQ(launched(), (Lines{"retrieveResults A", "retrieveResults B", "retrieveResults C"}));
+  EXPECT_EQ(statuses(), (Statuses{5, 5, 5}));
+  EXPECT_EQ(task->subTask(0)->finishMessage.tag, 1);
+}
+
+TEST_F(TaskWalkTest, APlainTaskAnswersInWords) {
+  const auto plain = makeHandle<TLTask>();
+  const auto step = makeHandle<TLSubTask>();
+  step->status = S::Crashed;
+  plain->addSubTask(step);
+  TLProcessMessage question = message(1, 900);
+  plain->handleMessage(question);
+  EXPECT_EQ(sent(), Lines{"500:1 'crashed'"});
+  question.tag = 3;
+  plain->handleMessage(question);
+  EXPECT_EQ(sent(), Lines{});
+  plain->start();
+  EXPECT_EQ(step->status, S::Pending);
+  EXPECT_EQ(launched(), Lines{"startStep unknown"});
+  plain->clearSubTasks();
+}
+
+}  // namespace
