@@ -1,0 +1,35 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+#include "launching/TLLaunchDraft.h"
+#include "messaging/TLSteeringParameters.h"
+
+/// The run file of a flow solver as a launch needs it: read once, changed in memory, written back
+/// as a whole. Before a good reading it stands for an empty project.
+class TLRunFile {
+ public:
+  virtual ~TLRunFile() = default;
+
+  /// Reads the project from `path`, with the parameter tables of an unstructured one if asked for.
+  /// `good` of the answer is false when that failed.
+  virtual TLRunFileFacts read(const RWCString& path, bool unstructuredTables) = 0;
+
+  /// @name Changes. They do nothing to a project without a computation.
+  /// @{
+  virtual void setTaskCount(std::int32_t count) = 0;      ///< solver parameter NTASK
+  virtual void setCommunication(std::int32_t value) = 0;  ///< solver parameter ICOMP
+  virtual std::int32_t blockCount() const = 0;
+  /// Each block's process number by its position from 0.
+  virtual void setProcesses(const std::function<std::int32_t(std::int32_t)>& processOfBlock) = 0;
+  virtual void setMemory(std::int64_t integerSize, std::int64_t realSize) = 0;
+  virtual void storeSteering(const TLSteeringParameters& steering) = 0;
+  /// @}
+
+  /// Writes the project to the path of the reading, in the place of the file as a whole.
+  virtual void write() = 0;
+};
+
+std::unique_ptr<TLRunFile> makeRunFile();
