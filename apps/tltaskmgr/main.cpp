@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "launching/TLCommands.h"
+#include "launching/TLLaunching.h"
 #include "messaging/TLMessageCodes.h"
 #include "messaging/TLProcessMessage.h"
 #include "parameters/TLFile.h"
@@ -88,6 +89,7 @@ int main(int argc, char** argv) {
   setCurrentTask(nullptr);
   TLEnvironmentVariables::initWin32(argc, argv);
   initFileCommands();
+  installLaunching();
   gTaskSession = new TkSession(argc, argv);  // lives as long as the process
   registerTaskCommands();
   setTaskManagerEnd(endTaskManager);

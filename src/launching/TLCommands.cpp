@@ -142,7 +142,7 @@ void initFileCommands() {
   commandTable().commands = hostForm().fileCommands(hostForm().variableOrEmpty("TALVEN_DIR"));
 }
 
-const TLFileCommands& fileCommands() {
+const TLFileCommands& fileCommandTable() {
   return commandTable().commands;
 }
 
@@ -174,7 +174,7 @@ int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCStri
   const RWCString outputFile = copyOutputFile();
   const auto output = hostForm().readFile(outputFile);
   if (!output) return 1;  // the copy could not even be tried
-  runRedirected(fileCommands().remove + hostForm().bare(outputFile), {});
+  runRedirected(fileCommandTable().remove + hostForm().bare(outputFile), {});
   return output->empty() || output->front() == '\n' ? 0 : 1;
 }
 
@@ -188,13 +188,13 @@ void copyLocal(const RWCString& src, const RWCString& dst) {
   initFileCommands();
   RWCString target = stripTrailingSlashes(dst);
   if (!isPosix() && target.ends_with(':')) target += "\\\\";
-  runFileCommand(fileCommands().copy + fileWord(stripTrailingSlashes(src)) + " " +
+  runFileCommand(fileCommandTable().copy + fileWord(stripTrailingSlashes(src)) + " " +
                  fileWord(target));
 }
 
 void moveLocal(const RWCString& src, const RWCString& dst) {
   initFileCommands();
-  runFileCommand(fileCommands().move + fileWord(stripTrailingSlashes(src)) + " " +
+  runFileCommand(fileCommandTable().move + fileWord(stripTrailingSlashes(src)) + " " +
                  fileWord(stripTrailingSlashes(dst)));
 }
 

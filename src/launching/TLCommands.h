@@ -14,7 +14,7 @@
 /// Fills the table of local file commands, once for the process; later calls only count.
 void initFileCommands();
 /// The table; initFileCommands has run.
-const TLFileCommands& fileCommands();
+const TLFileCommands& fileCommandTable();
 
 /// Runs a command line and waits; its output goes to `outputFile`, made or emptied, unless that is
 /// empty. The exit code of the process, or the error code of a start that failed.

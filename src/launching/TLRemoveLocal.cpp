@@ -26,6 +26,6 @@ int removeLocal(const RWCString& path) {
               << std::flush;
     return 0;
   }
-  const RWCString line = fileCommands().remove + removedName(name);
+  const RWCString line = fileCommandTable().remove + removedName(name);
   return hostForm().runSystem(hostForm().toLocal(line)) == 0 ? 1 : 0;
 }

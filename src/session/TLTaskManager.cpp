@@ -73,7 +73,7 @@ void endTaskManager() {
     if (gCatchoutFile != nullptr) std::fclose(gCatchoutFile);
     gCatchoutFile = nullptr;
     const RWCString name = hostForm().toLocal(asWord(gCatchoutFileName));
-    hostForm().runSystem(fileCommands().remove + " " + name);
+    hostForm().runSystem(fileCommandTable().remove + " " + name);
   }
   runRecorder().forget();
   exitThroughScript();
