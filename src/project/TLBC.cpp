@@ -66,7 +66,7 @@ struct TLBCFormat {
     if (parameters->read(context.source) == 0) return TLKeyResult::failed;
     constexpr double kFirstOfDefinitions = 1.1;
     if (parameters->version < kFirstOfDefinitions) {
-      parameters = TLBCDataBase::instance().converted(*parameters);
+      parameters = TLBCDataBase::instance().inLine(parameters);
     }
     record.parameters = std::move(parameters);
     return TLKeyResult::next;
