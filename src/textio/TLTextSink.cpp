@@ -1,5 +1,6 @@
 #include "textio/TLTextSink.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
@@ -16,6 +17,15 @@ bool isSmallWhole(double value, int precision) {
 }
 
 }  // namespace
+
+// Small texts grow as strings do. Large ones grow in wide steps: memory that isn't yet written to
+// costs nothing, while each step copies all of the text into fresh pages.
+void TLTextSink::grow(std::size_t bytes) {
+  constexpr std::size_t kLarge = std::size_t{1} << 20;
+  constexpr std::size_t kStep = 4;
+  const std::size_t capacity = text_.capacity();
+  if (capacity >= kLarge) text_.reserve(std::max(capacity * kStep, text_.size() + bytes));
+}
 
 TLTextSink& TLTextSink::operator<<(double value) {
   if (isSmallWhole(value, precision_)) return putSigned(static_cast<std::int32_t>(value));

@@ -11,6 +11,7 @@
 class TLTextSink {
  public:
   TLTextSink& operator<<(std::string_view text) {
+    if (text_.capacity() - text_.size() < text.size()) grow(text.size());
     text_.append(text);
     return *this;
   }
@@ -21,8 +22,7 @@ class TLTextSink {
     return *this;
   }
   template <std::integral T>
-    requires(!std::same_as<T, char> && !std::same_as<T, bool>)
-  TLTextSink& operator<<(T value) {
+  requires(!std::same_as<T, char> && !std::same_as<T, bool>) TLTextSink& operator<<(T value) {
     return std::signed_integral<T> ? putSigned(static_cast<std::int64_t>(value))
                                    : putUnsigned(static_cast<std::uint64_t>(value));
   }
@@ -41,6 +41,7 @@ class TLTextSink {
   void reserve(std::size_t bytes) { text_.reserve(bytes); }
 
  private:
+  void grow(std::size_t bytes);
   TLTextSink& putSigned(std::int64_t value);
   TLTextSink& putUnsigned(std::uint64_t value);
 

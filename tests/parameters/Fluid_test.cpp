@@ -76,7 +76,8 @@ TEST(Fluid, RoundTrip) {
   const std::string inner =
       "     TL_BEGIN FLUID_PROPERTIES\n" + written(properties) + "     TL_END   FLUID_PROPERTIES\n";
   const std::string species =
-      "     TL_BEGIN MULTISPECIES_PROPERTIES\n  whatever  \n     TL_END   MULTISPECIES_PROPERTIES\n";
+      "     TL_BEGIN MULTISPECIES_PROPERTIES\n  whatever  \n     TL_END   "
+      "MULTISPECIES_PROPERTIES\n";
   EXPECT_EQ(rewritten<TLFluid>(head + inner), head + inner);
   EXPECT_EQ(rewritten<TLFluid>(head + species + inner), head + inner + species);
   EXPECT_EQ(rewritten<TLFluid>(head), head + inner);  // those of the constructor
@@ -134,8 +135,8 @@ TEST(Fluid, BadLines) {
 }
 
 TEST(Fluid, TableFilesByTheirSuffix) {
-  const auto directory = std::filesystem::temp_directory_path() /
-                         ("fluid_tables_" + std::to_string(::getpid()));
+  const auto directory =
+      std::filesystem::temp_directory_path() / ("fluid_tables_" + std::to_string(::getpid()));
   std::filesystem::create_directories(directory);
   for (const char* name : {"b.BER", "a.mer", "c.txt", "d.Ker"}) std::ofstream(directory / name);
   TLFluid fluid;

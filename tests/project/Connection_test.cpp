@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
-#include "support/RecordTexts.h"
 #include "project/TLFNMB.h"
 #include "project/TLHexaPartition.h"
 #include "project/TLMeridionnalPatch.h"
 #include "project/TLProjectType.h"
 #include "project/TLTopologicalBlade.h"
+#include "support/RecordTexts.h"
 
 namespace {
 
@@ -27,8 +27,8 @@ constexpr const char* kConnection =
     "            Right_face:            row_2 4  5  1\n";
 
 TEST(FullNonMatching, RoundTrip) {
-  for (const auto type : {TLProjectType::structured, TLProjectType::bladeToBlade,
-                          TLProjectType::sculpt3d}) {
+  for (const auto type :
+       {TLProjectType::structured, TLProjectType::bladeToBlade, TLProjectType::sculpt3d}) {
     EXPECT_EQ(rewritten<TLFNMB>(kConnection, type), kConnection);
   }
 }
@@ -75,13 +75,13 @@ TEST(FullNonMatching, UnstructuredPatchesCountFromZeroInTheFile) {
 TEST(FullNonMatching, Keys) {
   TLFNMB record(TLProjectType::structured);
   const auto reading = readText(record,
-                                "tolerance 5\n"              // no colon: not the key
+                                "tolerance 5\n"  // no colon: not the key
                                 "TOLERANCE: 0.5\n"
-                                "left_patches: a 1 2 3\n"    // old spelling
-                                "Left_face: b 4 5 6 7 8\n"   // more than wanted
+                                "left_patches: a 1 2 3\n"   // old spelling
+                                "Left_face: b 4 5 6 7 8\n"  // more than wanted
                                 "RIGHT_PATCHES: c 7 8 9\n"
                                 "TL_BEGIN other\nside: 4\nTL_END other\n"
-                                "TL_END face\n"              // of something else
+                                "TL_END face\n"  // of something else
                                 "is_periodic: 1\n"
                                 "tl_end FNMB_connection\n"
                                 "side: 9\n");
@@ -123,7 +123,8 @@ TEST(HexaPartition, RoundTripKeepsItsVersion) {
       "        PARTITION_ID\t\t3\n"
       "        NB_CELLS\t\t120000\n"
       "        NB_VERTICES\t\t131072\n";
-  EXPECT_EQ(rewritten<TLHexaPartition>(text + "        TL_END   hexa_partition\nNB_CELLS 1\n"), text);
+  EXPECT_EQ(rewritten<TLHexaPartition>(text + "        TL_END   hexa_partition\nNB_CELLS 1\n"),
+            text);
   TLHexaPartition record;
   const auto reading = readText(record, "Version\n");
   EXPECT_EQ(reading.result, 0);
