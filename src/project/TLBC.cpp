@@ -49,6 +49,11 @@ struct TLBCFormat {
     writeIntegers(sink, literal, record.*Member);
   }
 
+  // Without a word the line could not be read again.
+  static void writeType(const R& record, TLTextSink& sink, std::string_view literal) {
+    if (!record.type.empty()) sink << literal << record.type << '\n';
+  }
+
   static TLKeyResult readControlSurface(R& record, TLKeyContext& context) {
     std::int32_t surface = 0;
     if (context.reader.readInteger(context.line, surface) == 0) return TLKeyResult::failed;
@@ -89,8 +94,8 @@ struct TLBCFormat {
              "            CONNECTION_INFO           ", &writeIndices<&R::connectionInfo>},
             valueKey<&R::name, &T::readStrings>("name", name,
                                                 "            NAME                      "),
-            valueKey<&R::type, &T::readString>("type", type,
-                                               "            TYPE                      "),
+            {"type", "", &readMember<&R::type, &T::readString>, type,
+             "            TYPE                      ", &writeType},
             {"control_surface", "", &readControlSurface},
             {"control_surface_name", "", &readControlSurfaceName},
             valueKey<&R::lagrangianGroupName, &T::readStrings>(

@@ -32,7 +32,7 @@ std::string condition(const std::string& type, bool connection = false) {
 }
 
 TEST(Condition, RoundTripOfEachType) {
-  for (const char* type : {"SOL", "INL", "OUT", "ROT", "MIR", ""}) {
+  for (const char* type : {"SOL", "INL", "OUT", "ROT", "MIR"}) {
     // Written is what belongs to the type, whatever was read.
     const auto all = condition(type) + "CONNECTION_INFO 4 1 2 0 1 -1\nMODAL_STRUCTURE_INDEX 5\n";
     EXPECT_EQ(rewritten<TLBC>(condition(type), kType), condition(type)) << type;
@@ -41,6 +41,12 @@ TEST(Condition, RoundTripOfEachType) {
   for (const char* type : {"CON", "NMB", "PER", "PERNM"}) {
     EXPECT_EQ(rewritten<TLBC>(condition(type, true), kType), condition(type, true)) << type;
   }
+}
+
+TEST(Condition, WithoutATypeStaysReadable) {
+  const auto text = rewritten<TLBC>("INDICES 1 2 3 4\n", kType);
+  EXPECT_EQ(text.find("TYPE  "), std::string::npos);
+  EXPECT_EQ(rewritten<TLBC>(text, kType), text);
 }
 
 TEST(Condition, ConnectionCountsFromOne) {
