@@ -7,8 +7,10 @@ namespace eval ::growingText {
   variable longestLine 2000
   variable pending
   variable keep
+  variable sticks
   array set pending {}
   array set keep {}
+  array set sticks {}
 
   # Makes the widget `path` with a scroll bar. `lines` is how many are kept.
   proc make {path font lines} {
@@ -20,7 +22,7 @@ namespace eval ::growingText {
         -insertwidth 0 -cursor arrow -takefocus 1 -exportselection 1 -width 20 -height 6 \
         -yscrollcommand [list ::growingText::scrolled $path.y] \
         -xscrollcommand [list ::growingText::scrolled $path.x]
-    ttk::scrollbar $path.y -orient vertical -command [list $path.text yview]
+    ttk::scrollbar $path.y -orient vertical -command [list ::growingText::scroll $path]
     ttk::scrollbar $path.x -orient horizontal -command [list $path.text xview]
     grid $path.text -row 0 -column 0 -sticky nsew
     grid $path.y -row 0 -column 1 -sticky ns
@@ -28,9 +30,31 @@ namespace eval ::growingText {
     grid rowconfigure $path 0 -weight 1
     grid columnconfigure $path 0 -weight 1
     bind $path.text <Button-1> {focus %W}
+    bind $path.text <Configure> [list ::growingText::stick $path]
+    foreach moved {<Button-4> <Button-5> <MouseWheel> <Key> <B1-Motion>} {
+      bind $path.text $moved [list after idle [list ::growingText::look $path]]
+    }
+    variable sticks
+    set sticks($path) 1
     set pending($path) {}
     set keep($path) $lines
     return $path
+  }
+
+  proc scroll {path args} {
+    $path.text yview {*}$args
+    look $path
+  }
+
+  # After a movement of the user's: whether the end is in sight and shall stay so.
+  proc look {path} {
+    variable sticks
+    if {[winfo exists $path]} { set sticks($path) [expr {[lindex [$path.text yview] 1] >= 1.0}] }
+  }
+
+  proc stick {path} {
+    variable sticks
+    if {$sticks($path)} { $path.text yview moveto 1.0 }
   }
 
   # A scroll bar shows only while there is something to scroll.
@@ -67,7 +91,6 @@ namespace eval ::growingText {
     # What would be removed again at once doesn't go in at all.
     if {[llength $lines] > $keep($path)} { set lines [lrange $lines end-[expr {$keep($path) - 1}] end] }
     set text $path.text
-    set atEnd [expr {[lindex [$text yview] 1] >= 1.0}]
     set insert [list $text insert end]
     set break [expr {[$text compare end-1c > 1.0] ? "\n" : ""}]
     foreach line $lines {
@@ -80,7 +103,7 @@ namespace eval ::growingText {
     set tooMany [expr {int([$text index end-1c]) - $keep($path)}]
     if {$tooMany > 0} { $text delete 1.0 [expr {$tooMany + 1}].0 }
     $text configure -state disabled
-    if {$atEnd} { $text yview moveto 1.0 }
+    stick $path
   }
 
   # Control signs and endless lines would make a text unreadable and slow.

@@ -212,7 +212,8 @@ namespace eval ::look {
     set path .ask
     if {[winfo exists $path]} { return [lindex $choices end] }
     variable answer
-    toplevel $path -class Dialog -background $::look::ground
+    toplevel $path -class Dialog -background $::look::ground -highlightthickness 1 \
+        -highlightbackground $::look::edge -highlightcolor $::look::edge
     wm title $path $title
     wm transient $path .
     wm resizable $path 0 0

@@ -16,6 +16,7 @@ namespace eval ::taskWindow {
   variable lastReport ""
   variable repeats 0
   variable steps {}
+  variable words
   variable view .body.lower.reports.card.text
   variable list .body.steps.card.list
 
@@ -38,8 +39,11 @@ namespace eval ::taskWindow {
   # What must go on during a long cycle, too.
   proc tick {} {
     variable started
+    variable finished
     catch {
-      .header.elapsed configure -text [duration [expr {[clock seconds] - $started}]]
+      if {!$finished} {
+        .header.elapsed configure -text [duration [expr {[clock seconds] - $started}]]
+      }
       ::tail::update_
       showTimes
     }
@@ -70,8 +74,8 @@ namespace eval ::taskWindow {
       return
     }
     set lastReport $sentence
+    if {$repeats > 0} { .footer.text configure -text "" }
     set repeats 0
-    .footer.text configure -text ""
     set tag [expr {$kind eq "text" ? "said" : $kind}]
     set time [clock format [clock seconds] -format %H:%M:%S]
     foreach line [split [string trimright $sentence] "\n"] {
@@ -109,9 +113,14 @@ namespace eval ::taskWindow {
   proc showSteps {} {
     variable steps
     variable list
+    variable words
     set position 0
     foreach step $steps {
       lassign [dict get $::look::states [dict get $step status]] word kind
+      if {$kind eq "bad" && ![string equal $word [lindex [array get words $position] 1]]} {
+        reportEnd $position $step $word
+      }
+      set words($position) $word
       set values [list [dict get $step name] "$::look::sign($kind) $word" [dict get $step host] \
                       [clockTime [dict get $step started]] [stepTime $step] \
                       [lindex [split [dict get $step reason] "\n"] 0]]
@@ -123,6 +132,14 @@ namespace eval ::taskWindow {
       if {$word eq "running"} { $list see $position }
       incr position
     }
+  }
+
+  # Says in the list of what happened why a step didn't end well.
+  proc reportEnd {position step word} {
+    set sentence "Step [expr {$position + 1}], [dict get $step name], has $word"
+    if {$word eq "crashed"} { append sentence " on [dict get $step host]" }
+    set reason [string trim [dict get $step reason]]
+    report bad [expr {$reason eq "" ? "$sentence." : "$sentence: $reason"}]
   }
 
   proc stepTime {step} {

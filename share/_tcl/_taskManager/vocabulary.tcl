@@ -59,6 +59,8 @@ namespace eval ::vocabulary {
     {Retrieving files(?: from directory)?:?\s*(.*)} info {Fetching the results from \1}
     {Removing remote temporary directory:?\s*(.*)}  info {Removing the remote temporary directory \1}
   }
+  # What no pattern begins with needs no look at each of them.
+  variable beginnings {^(?:REMOVE_S|SUBTASK_|TASK_|TL_v|Try |Argu|Tran|Copy|Remo|Retr)}
   variable sentences
   array set sentences {}
   foreach {word kind sentence} $words {
@@ -69,10 +71,12 @@ namespace eval ::vocabulary {
   proc explain {report} {
     variable sentences
     variable patterns
+    variable beginnings
     set text [string trim $report]
     if {[info exists sentences($text)]} {
       return $sentences($text)
     }
+    if {![regexp $beginnings $text]} { return [list text $report] }
     foreach {pattern kind sentence} $patterns {
       set parts [regexp -inline -- "^(?:$pattern)\$" $text]
       if {[llength $parts] == 0} continue

@@ -1,0 +1,142 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "session/TLScript.h"
+#include "session/TLTaskCommands.h"
+#include "session/TLTestSession.h"
+#include "taskengine/TLCurrentTask.h"
+#include "taskengine/TLTaskChildren.h"
+#include "taskengine/TLTaskGlobals.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// The commands on a task whose steps are as a running daemon would have them.
+class TLTaskCommandsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    testSession();
+    registerTaskCommands();
+    setCurrentTask(new TLTaskChildren);
+    std::string pattern = (fs::temp_directory_path() / "tlcommandsXXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    directory_ = pattern;
+  }
+  void TearDown() override {
+    gCurrentTask->clearSubTasks();
+    setCurrentTask(nullptr);
+    fs::remove_all(directory_);
+  }
+
+  static TLSubTask& addStep(const RWCString& name, const RWCString& executable,
+                            std::int32_t status) {
+    auto* step = new TLSubTask;
+    step->name = name;
+    step->executable = executable;
+    step->status = status;
+    gCurrentTask->addSubTask(step);
+    return *step;
+  }
+  static RWCString ask(const RWCString& command) {
+    EXPECT_EQ(evalScript(command), 0) << command;
+    return scriptResult();
+  }
+  RWCString path(const char* name) const { return (directory_ / name).string(); }
+  static std::string contents(const fs::path& file) {
+    std::ifstream in(file);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+
+  fs::path directory_;
+};
+
+TEST_F(TLTaskCommandsTest, hostOfTheStepStartedLast) {
+  gTaskHostName = "node17";
+  EXPECT_EQ(ask("get_task_host_name"), "node17");
+  gTaskHostName.clear();
+}
+
+TEST_F(TLTaskCommandsTest, checkKillFindsTheRunningSolverOfThisTask) {
+  gCurrentTask->name = "wing";
+  addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running).arguments.append("none", "/a/other.sim");
+  TLSubTask& ended = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::FinishedOk);
+  ended.arguments.append("none", "/a/wing.sim");
+  addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running).arguments.append("none", "/a/Wing.sim");
+  EXPECT_EQ(ask("itf_check_kill_task_quorelcfd"), "-1");
+  ended.status = TLSubTask::Running;
+  EXPECT_EQ(ask("itf_check_kill_task_quorelcfd"), "1");
+  gCurrentTask->name.clear();
+  EXPECT_EQ(ask("itf_check_kill_task_quorelcfd"), "0");
+}
+
+TEST_F(TLTaskCommandsTest, stopOfOneSolverByItsFile) {
+  TLSubTask& step = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running);
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "0");
+  step.arguments.append("-x", path("x.sim"));
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "0");
+  EXPECT_EQ(step.stopRequest, 0);
+
+  step.arguments.append("-machinefile", path("machines.txt"));
+  step.status = TLSubTask::Pending;
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "0");
+  step.status = TLSubTask::Running;
+  EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 0");
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "1");
+  EXPECT_EQ(contents(directory_ / "stop.now"), "Q\n");
+  EXPECT_EQ(step.stopRequest, 1);
+  EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 1");
+  step.stopRequest = 2;
+  EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 -1");
+}
+
+TEST_F(TLTaskCommandsTest, stopFileThatCannotBeMadeHasNoResult) {
+  TLSubTask& step = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running);
+  step.arguments.append("-machinefile", "/no/such/directory/machines.txt");
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "");
+  EXPECT_EQ(step.stopRequest, 1);
+}
+
+TEST_F(TLTaskCommandsTest, marineEndAsksRunningToolsAndStopsAll) {
+  for (const char* name : {"solver", "probes", "waiting"}) fs::create_directory(directory_ / name);
+  const auto add = [&](const char* name, const char* executable, std::int32_t status,
+                       const char* type, const char* file) {
+    TLSubTask& step = addStep(name, executable, status);
+    step.arguments.append("-first", path("nowhere/x"));
+    step.arguments.append(type, path(file));
+  };
+  TLSubTask& solver = addStep("QUOREL_CFD", "quorelcfd_parallel.exe", TLSubTask::Running);
+  solver.arguments.append("none", path("solver/wing.sim"));
+  add("PROBES2QVK", "probes", TLSubTask::Running, "-log", "probes/probes.log");
+  TLSubTask& waiting = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Pending);
+  waiting.arguments.append("none", path("waiting/wing.sim"));
+  add("PREMETIS", "premetis", TLSubTask::Running, "none", "x");
+  EXPECT_EQ(ask("itf_kill_current_task_marine"), "");
+  EXPECT_EQ(contents(directory_ / "solver/stop.now"), "Q\n");
+  EXPECT_EQ(contents(directory_ / "probes/stop_postprocessing.now"), "Q\n");
+  EXPECT_TRUE(fs::is_empty(directory_ / "waiting"));
+  for (const auto& step : gCurrentTask->subTasks) EXPECT_EQ(step->status, TLSubTask::Stopped);
+}
+
+bool gEnded = false;
+
+TEST_F(TLTaskCommandsTest, exitGoesTheOneOrderlyWay) {
+  setTaskManagerEnd([] { gEnded = true; });
+  ask("exit_taskmanagerc");
+  setTaskManagerEnd(nullptr);
+  EXPECT_TRUE(gEnded);
+}
+
+TEST_F(TLTaskCommandsTest, withoutATaskNothingIsAnswered) {
+  setCurrentTask(nullptr);
+  for (const char* command : {"get_task_name", "task_update", "stop_task",
+                              "itf_check_kill_task_quorelcfd", "search_for_subtask_by_name x"}) {
+    EXPECT_EQ(ask(command), "") << command;
+  }
+  setCurrentTask(new TLTaskChildren);
+}
+
+}  // namespace

@@ -1,0 +1,156 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+
+#include "session/TLScript.h"
+#include "session/TLTestSession.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+RWCString value(const RWCString& script) {
+  EXPECT_EQ(evalScript(script), 0) << script << ": " << scriptResult();
+  return scriptResult();
+}
+
+/// The shipped script layer in a session whose commands are played by the test.
+class TaskDaemonLayerTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    std::string pattern = (fs::temp_directory_path() / "tllayerXXXXXX").string();
+    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
+    directory_ = pattern;
+    testSession();
+    value("set env(TL_PVM_USER_DIR) {" + directory_.string() + "}; set env(TL_UPDATE_MS) 5");
+    value("proc get_task_name {} {return wing}; set cycles 0; set depth 0; set deepest 0");
+    value(
+        "proc task_update {} {incr ::cycles; incr ::depth;"
+        " set ::deepest [expr {max($::deepest, $::depth)}]; after 12; update; incr ::depth -1}");
+    if (value("namespace exists ::taskWindow") == "0") {
+      EXPECT_EQ(sourceFile(RWCString(TL_TEST_SHARE) + "/_tcl/_taskManager/taskDaemon.tcl"), 0);
+    }
+  }
+  void TearDown() override { fs::remove_all(directory_); }
+
+  /// Handles events until the script's expression holds.
+  static bool until(const RWCString& expression) {
+    value("set expired 0; set timer [after 20000 {set expired 1}]");
+    while (value("expr {$expired || (" + expression + ")}") == "0") testSession().oneEvent();
+    value("after cancel $timer");
+    return value("set expired") == "0";
+  }
+  /// The list of what happened, as shown.
+  static RWCString reports() {
+    value("::growingText::flush $::taskWindow::view");
+    return value("$::taskWindow::view.text get 1.0 end-1c");
+  }
+
+  fs::path directory_;
+};
+
+TEST_F(TaskDaemonLayerTest, cyclesFollowEachOtherAndNeverNest) {
+  EXPECT_TRUE(until("$cycles >= 3"));
+  EXPECT_EQ(value("set deepest"), "1");
+}
+
+TEST_F(TaskDaemonLayerTest, everyReportReadsAsASentence) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"___________CANNOT_SPAWN", "A step could not be started."},
+      {"_________REMOTE_COPY_FAILED", "The files could not be copied to the remote host."},
+      {"\"FLOW SOLVER CRASHED\"", "The flow solver has crashed."},
+      {"\"Transfer completed ! \\n\"", "The files are on the remote host."},
+      {"REMOVE_SEMAPHORE_4711", "Semaphore 4711 of the crashed solver is being removed."},
+      {"SUBTASK_0_MUST_BE_STOPPED", "Step 1 was stopped on request."},
+      {"TASK_MUST_BE_STOPPED_-1", "The task was stopped on request."},
+      {"TASK_IS_BEING_SUSPENDED3", "All steps were asked to save and end."},
+      {"\"TL_virtual_machine_errcode x: bad host name\"",
+       "Starting a process failed: x: bad host name"},
+      {"start_status_ok", "A process was started."},
+      {"\"iteration 7, residual 1e-3\"", "iteration 7, residual 1e-3"},
+  };
+  for (const auto& [report, sentence] : cases) {
+    EXPECT_EQ(evalScript(RWCString("task_manager_receive_message ") + report), 0);
+    EXPECT_THAT(reports(), EndsWith(RWCString("\t") + sentence));
+  }
+}
+
+TEST_F(TaskDaemonLayerTest, reportOfEveryCycleTakesOneLine) {
+  const RWCString before = reports();
+  for (int i = 0; i < 5; ++i) {
+    value("task_manager_receive_message WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL");
+  }
+  const RWCString after = reports();
+  EXPECT_THAT(after.substr(before.size()), EndsWith("says that it is up."));
+  EXPECT_EQ(std::count(after.begin() + before.size(), after.end(), '\n'), before.empty() ? 0 : 1);
+  EXPECT_THAT(value(".footer.text cget -text"), EndsWith("5)"));
+}
+
+TEST_F(TaskDaemonLayerTest, anyTextIsShownAsItIs) {
+  value("task_manager_receive_message \"\\$x \\[exit\\] \\{open \\\\ \\\"quote\\\"\"");
+  EXPECT_THAT(reports(), EndsWith("$x [exit] {open \\ \"quote\""));
+  value("task_manager_receive_message \"bell\\a nul\\0 end\"");
+  EXPECT_THAT(reports(), EndsWith("bell  nul  end"));
+  value("task_manager_receive_message [string repeat w 100000]");
+  EXPECT_LT(reports().size(), 50000u);
+  value("for {set i 0} {$i < 20000} {incr i} {task_manager_receive_message \"line $i\"}");
+  EXPECT_THAT(reports(), EndsWith("line 19999"));
+  EXPECT_EQ(value("$::taskWindow::view.text index end-1c").substr(0, 5), "5000.");
+}
+
+TEST_F(TaskDaemonLayerTest, logIsFollowedThroughGrowthCutAndReplacement) {
+  const fs::path log = directory_ / "run {1}.std";
+  const auto lines = [&] {
+    value("::tail::update_; ::growingText::flush $::tail::view");
+    return value("$::tail::view.text get 1.0 end-1c");
+  };
+  value("task_manager_init_tail \"" + (directory_ / "run \\{1\\}.std").string() + "\"");
+  value("task_manager_update_tail");
+  EXPECT_EQ(lines(), "");
+  std::ofstream(log) << "one\ntw";
+  EXPECT_EQ(lines(), "one");
+  std::ofstream(log, std::ios::app) << "o\r\nthree\n";
+  EXPECT_EQ(lines(), "one\ntwo\nthree");
+  std::ofstream(log) << "new\n";
+  EXPECT_THAT(lines(), EndsWith("\nnew"));
+  std::ofstream(directory_ / "other") << "replaced\n";
+  fs::rename(directory_ / "other", log);
+  EXPECT_THAT(lines(), EndsWith("\nreplaced"));
+}
+
+TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
+  const fs::path record = directory_ / ("task-" + value("pid") + ".json");
+  std::ofstream(record) << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","steps":[
+    {"name":"MESH","host":"node17","status":2,"started":1.5,"ended":63.25,"reason":""},
+    {"name":"A \"b\" {c} é \\","host":"node18","status":4,"started":63,"ended":64,
+     "reason":"killed by signal 9\nsee run.std"}]})";
+  EXPECT_TRUE(until("[llength [$::taskWindow::list children {}]] == 2"));
+  EXPECT_EQ(value("lindex [$::taskWindow::list item 0 -values] 4"), "0:01:01");
+  EXPECT_EQ(value("lindex [$::taskWindow::list item 1 -values] 0"), "A \"b\" {c} é \\");
+  EXPECT_THAT(reports(), HasSubstr("has crashed on node18: killed by signal 9"));
+  EXPECT_THAT(value(".header.what cget -text"), HasSubstr("2 steps: 1 finished, 1 crashed"));
+  EXPECT_EQ(value("wm title ."), "wing – task");
+}
+
+TEST_F(TaskDaemonLayerTest, confirmAnswersTheButton) {
+  value("after 50 {.ask.f.buttons.b0 invoke}");
+  EXPECT_EQ(value("confirm { this will kill the task }"), "1");
+  value("after 50 {.ask.f.buttons.b1 invoke}");
+  EXPECT_EQ(value("confirm { this will kill the task }"), "0");
+  value("after 50 {event generate .ask <Escape>}");
+  EXPECT_EQ(value("confirm { this will kill the task }"), "0");
+}
+
+TEST_F(TaskDaemonLayerTest, failureIsShownWithoutHoldingUp) {
+  showError("Warning: the execution of the command: x failed");
+  EXPECT_EQ(value(".banner.text cget -text"), "Warning: the execution of the command: x failed");
+  EXPECT_THAT(reports(), EndsWith("Warning: the execution of the command: x failed"));
+}
+
+}  // namespace
