@@ -15,7 +15,7 @@ endif()
 configure_file(share/suite/settings.ini.in settings.ini @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
 
-install(TARGETS tltaskmgr DESTINATION ${TL_BIN_DIR})
+install(TARGETS tltaskmgr tlctl DESTINATION ${TL_BIN_DIR})
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
 install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}

@@ -65,6 +65,18 @@ void DaemonLink::finished(const std::vector<std::string>& lines) {
   begin(static_cast<int>(lines.size()));
   for (const auto& line : lines) addText(line);
   send(kFinished);
+  waitForEcho();
+}
+
+// The daemon gives an end message back to the tool that sent it. A tool that is gone before the
+// daemon has read its message 5 counts as crashed, so leave only when it has, or when nobody is
+// there to read it.
+void DaemonLink::waitForEcho() const {
+  constexpr int kLongest = 600;  // tries of a tenth of a second
+  for (int i = 0; present() && i < kLongest && pvm_pstat(daemon_) == PvmOk; ++i) {
+    timeval tenth = {0, 100000};
+    if (pvm_trecv(daemon_, kFinished, &tenth) > 0) return;
+  }
 }
 
 void DaemonLink::failing(const std::string& reason) {

@@ -20,9 +20,10 @@ class DaemonLink {
 
   /// @name What a tool tells.
   /// @{
-  void started();                                        ///< code 4: a solver is up
-  void text(const std::string& line);                    ///< code 7: for the user's eyes
-  void finished(const std::vector<std::string>& lines);  ///< code 5: an orderly end
+  void started();                      ///< code 4: a solver is up
+  void text(const std::string& line);  ///< code 7: for the user's eyes
+  /// Code 5: an orderly end. Waits until the daemon has taken note.
+  void finished(const std::vector<std::string>& lines);
   /// Code 8: why this tool is about to die. Waits a moment for the daemon to have it.
   void failing(const std::string& reason);
   /// @}
@@ -40,6 +41,8 @@ class DaemonLink {
   /// @}
 
  private:
+  void waitForEcho() const;
+
   int daemon_ = 0;
 };
 
