@@ -311,6 +311,9 @@ bool FakeTool::die(const Words& words) {
   const int number = signalFrom(words[0]);
   if (number < 1 || number >= NSIG) return false;
   std::fflush(stdout);
+  // What was sent just before a sudden death may die with it; a question that the virtual machine
+  // has answered came after all of that.
+  if (daemon_ > 0) pvm_pstat(pvm_mytid());
   const rlimit noCore = {0, 0};
   setrlimit(RLIMIT_CORE, &noCore);
   signal(number, SIG_DFL);

@@ -22,6 +22,7 @@ class FakeTool {
   bool obey(std::string_view command, std::string& error);
   /// Status to exit with, set by "exit" or an order to suspend.
   bool over() const { return over_; }
+  bool hasDaemon() const { return daemon_ > 0; }
   int exitStatus() const { return exitStatus_; }
 
   static std::string help();

@@ -78,5 +78,6 @@ int main(int argc, char** argv) {
     }
     if (tool.over()) break;
   }
+  if (tool.hasDaemon()) pvm_exit();  // waits until all that was sent has left
   return tool.exitStatus();
 }
