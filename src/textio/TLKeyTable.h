@@ -157,12 +157,18 @@ class TLKeyTable {
 
 /// The one read loop of all records: takes line after line, and gives each to the row of `table`
 /// that matches it. Lines that no row matches are passed over in silence. The end of the text ends
-/// a block as its closing line does, with success.
+/// a block as its closing line does, with success. Comment lines on the way are dropped, or kept in
+/// `comments`.
 template <class Record>
-int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& table) {
+int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& table,
+              std::vector<RWCString>* comments = nullptr) {
   TLTokenReader reader(source);
   while (true) {
-    reader.skipComments();
+    if (comments == nullptr) {
+      reader.skipComments();
+    } else {
+      reader.readComments(*comments);
+    }
     TLKeyContext context{source, reader, source.readLine()};
     if (context.line.empty()) return 1;
     const TLKey<Record>* row = table.match(context.line);

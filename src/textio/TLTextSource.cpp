@@ -30,6 +30,13 @@ std::string_view TLTextSource::readLine() {
   return line;
 }
 
+std::string_view TLTextSource::readWord() {
+  skipWhitespace();
+  const std::size_t start = position_;
+  while (position_ < text_.size() && !isWhite(text_[position_])) ++position_;
+  return std::string_view(text_).substr(start, position_ - start);
+}
+
 bool TLTextSource::readRawLine(std::string_view& line) {
   if (atEnd()) {
     line = {};

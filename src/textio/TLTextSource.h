@@ -41,6 +41,10 @@ class TLTextSource {
   /// end of the text.
   std::string_view readLine();
 
+  /// Skips white space, then takes the characters up to the next white space. Empty only at the end
+  /// of the text.
+  std::string_view readWord();
+
   /// Takes the text up to the next new line as it stands, which may be nothing. False at the end.
   bool readRawLine(std::string_view& line);
 

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "parameters/TLParameterValue.h"
+#include "textio/RefCounted.h"
+
+/// One setting of the unstructured flow solver.
+class TLParameter : public RefCounted {
+ public:
+  /// Reads the block "tlparameter" behind its opening line. 1, or 0 on a malformed line, an unknown
+  /// type, or too few values.
+  int read(TLTextSource& source);
+  /// Writes the lines of the block, without opening and closing.
+  void write(TLTextSink& sink) const;
+
+  std::int32_t global = 0;
+  std::int32_t expert = 0;
+  double version = 1.0;
+  RWCString name = "unknown";
+  RWCString varName;
+  RWCString quorel;  ///< second name for the marine solver; empty: none
+  std::int32_t obsolete = 0;
+  TLParameterValue value;
+  std::vector<TLParameterValue> oldValues;  ///< values that stand for the default of older versions
+  std::vector<RWCString> comments;          ///< comment lines within the block, never written
+
+ private:
+  friend struct TLParameterKeys;
+  int build(TLTextSource& source);
+
+  // What the lines said, until the closing line.
+  struct Told {
+    TLValueType type = TLValueType::integer;
+    std::int32_t rows = 1;
+    std::int32_t columns = 1;
+    RWCString value;
+    std::vector<RWCString> oldValues;
+  };
+  Told told_;
+};
