@@ -244,13 +244,13 @@ void putParameter(std::string& out, std::string_view name, std::string_view type
                   std::string_view number, std::string_view value) {
   put(out,
       "          TL_BEGIN tlparameter\n"
-      "          VERSION                    1.0\n\n"
-      "          NAME                       {}\n"
-      "          GLOBAL                     no\n"
-      "          TYPE                       {}\n"
-      "          EXPERT                     no\n"
-      "          NUMBER                     {}\n"
-      "          VALUE                      {}\n"
+      "          VERSION                     1.0\n\n"
+      "          NAME                        {}\n"
+      "          GLOBAL                      no\n"
+      "          TYPE                        {}\n"
+      "          EXPERT                      no\n"
+      "          NUMBER                      {}\n"
+      "          VALUE                       {}\n"
       "          TL_END   tlparameter\n",
       name, type, number, value);
 }
@@ -314,7 +314,7 @@ void RunFileGenerator::appendHexaSections(std::string& out, int block) const {
   const auto nodes = nodesOf(block);
   const int cells = (nodes[0] - 1) * (nodes[1] - 1) * (nodes[2] - 1);
   putBanner(out, "#*******                START HEXA PARAMETERS SECTION              ***********");
-  out += "        TL_BEGIN hexa_parameters\n          VERSION                    1.0\n";
+  out += "        TL_BEGIN hexa_parameters\n          VERSION                     1.0\n";
   putParameter(out, "iParallel_", "INTEGER", "1", "1");
   putParameter(out, "nbProcs_", "INTEGER", "1", std::to_string(options_.processors));
   putParameter(out, "procsOfBlock_", "INTEGER", "1", std::to_string(processor));
@@ -322,7 +322,7 @@ void RunFileGenerator::appendHexaSections(std::string& out, int block) const {
   putParameter(out, "procName_", "STRING", "1", "proc_" + std::to_string(processor));
   for (int i = 0; i < options_.furtherParameters; ++i) {
     putParameter(out, "further_" + std::to_string(i), "REAL", "3",
-                 fmt::format("0.{} 1.5 {}", 1 + i, i));
+                 fmt::format("0.{}5 1.5 {}", 1 + i, i));
   }
   out += "        TL_END   hexa_parameters\n";
   putBanner(out, "#*******                START FLUID SECTION                        ***********");
