@@ -19,7 +19,7 @@ class UntouchedRunFile : public TLRunFile {
   std::int32_t blockCount() const override { return 0; }
   void setProcesses(const std::function<std::int32_t(std::int32_t)>& /*process*/) override {}
   void setMemory(std::int64_t /*integerSize*/, std::int64_t /*realSize*/) override {}
-  void storeSteering(const TLSteeringParameters& /*steering*/) override {}
+  void storeSteering(const Handle<TLSteeringParameters>& /*steering*/) override {}
   void write() override {}
 };
 

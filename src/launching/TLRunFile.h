@@ -6,6 +6,7 @@
 
 #include "launching/TLLaunchDraft.h"
 #include "messaging/TLSteeringParameters.h"
+#include "textio/Handle.h"
 
 /// The run file of a flow solver as a launch needs it: read once, changed in memory, written back
 /// as a whole. Before a good reading it stands for an empty project.
@@ -25,7 +26,7 @@ class TLRunFile {
   /// Each block's process number by its position from 0.
   virtual void setProcesses(const std::function<std::int32_t(std::int32_t)>& processOfBlock) = 0;
   virtual void setMemory(std::int64_t integerSize, std::int64_t realSize) = 0;
-  virtual void storeSteering(const TLSteeringParameters& steering) = 0;
+  virtual void storeSteering(const Handle<TLSteeringParameters>& steering) = 0;
   /// @}
 
   /// Writes the project to the path of the reading, in the place of the file as a whole.

@@ -77,6 +77,6 @@ void launchWithRunFile(TLSubTask& step, TLLaunchDraft& draft, const TLLaunchSite
   if (mayWrite) file->write();
   addMachineArguments(draft);
   if (draft.parallel()) file->setMemory(step.integerSize, step.realSize);
-  file->storeSteering(*step.steering);
+  file->storeSteering(step.steering);
   if (mayWrite) file->write();
 }
