@@ -103,8 +103,8 @@ const std::vector<FakeTool::Command>& FakeTool::commands() {
        [](FakeTool& t, const Words& w) { return t.withText(7, w[0]); }},
       {"error", "error LINE              message 8, and waits for its answer", 1, true,
        [](FakeTool& t, const Words& w) { return t.error(w); }},
-      {"finished", "finished [LINE]         message 5: an orderly end", 0, true,
-       [](FakeTool& t, const Words& w) { return w.empty() ? t.plain(5) : t.withText(5, w[0]); }},
+      {"finished", "finished [LINE]         message 5, and waits for it to be passed back", 0, true,
+       [](FakeTool& t, const Words& w) { return t.finished(w.empty() ? "" : w[0]); }},
       {"ask", "ask                     message 14: wants the steering settings", 0, false,
        [](FakeTool& t, const Words&) { return t.plain(14); }},
       {"reset", "reset                   message 15: has reset its steering", 0, false,
@@ -203,6 +203,14 @@ bool FakeTool::withText(std::int32_t code, const std::string& text) {
   return sendItems({std::to_string(code), "s:" + text}, true);
 }
 
+// The daemon gives an end message back to the tool that sent it. One that is gone before the daemon
+// has read its message 5 counts as crashed.
+bool FakeTool::finished(const std::string& text) {
+  const bool sent = text.empty() ? plain(5) : withText(5, text);
+  receive(5, kAnswerSeconds);
+  return sent;
+}
+
 bool FakeTool::error(const Words& words) {
   withText(8, words[0]);
   receive(8, kAnswerSeconds);
@@ -280,8 +288,9 @@ std::int32_t FakeTool::receive(std::int32_t tag, double seconds) {
     std::printf("received %d\n", found);
     std::fflush(stdout);
     if (found == kSuspend && !ignoresSuspend_) {
-      withText(5, "suspended");
       over_ = true;
+      ignoresSuspend_ = true;
+      finished("suspended");
       return found;
     }
     if (found == tag) return found;

@@ -34,6 +34,7 @@ class FakeTool {
 
   bool plain(std::int32_t code);
   bool withText(std::int32_t code, const std::string& text);
+  bool finished(const std::string& text);
   bool error(const Words& words);
   bool sendItems(const Words& words, bool counted);
   bool flood(const Words& words);

@@ -77,6 +77,8 @@ TEST_F(Tools, HeatChainFromMeshToPicture) {
   message = next(5);
   ASSERT_TRUE(message);
   EXPECT_THAT(textOf(*message), HasSubstr("heat flow"));
+  EXPECT_TRUE(PvmPeer::alive(tool)) << "it waits until its end has been taken note of";
+  PvmPeer::send(tool, 5);
   ASSERT_TRUE(PvmPeer::waitGone(tool));
 
   start(TL_HEATPICTURE, {runFile, "-scale", "1"});
@@ -141,6 +143,7 @@ TEST_F(Tools, FakeToolDoesAsTold) {
   EXPECT_EQ(awaited(8).values(), (Values{"why"}));
   PvmPeer::send(tool, 8);
   EXPECT_TRUE(awaited(5).values().empty());
+  PvmPeer::send(tool, 5);
   EXPECT_TRUE(PvmPeer::waitGone(tool));
 }
 
