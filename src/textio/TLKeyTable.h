@@ -240,14 +240,15 @@ inline int readArray3(TLTokenReader& reader, std::string_view line, std::array<d
   return reader.readVector3(line, value[0], value[1], value[2]);
 }
 
+/// A compile-time value as a type.
+template <auto Value>
+struct TLValue {};
+
 /// True when the reader's operation is the one for toggles, which are written as words.
+/// (Compared as types: with the sanitizers on, comparing the pointers is no constant expression.)
 template <auto Operation>
 constexpr bool isToggleOperation() {
-  if constexpr (std::is_same_v<decltype(Operation), decltype(&TLTokenReader::readToggle)>) {
-    return Operation == &TLTokenReader::readToggle;
-  } else {
-    return false;
-  }
+  return std::is_same_v<TLValue<Operation>, TLValue<&TLTokenReader::readToggle>>;
 }
 
 /// Row of a plain value: its word, the operation and the member it goes to, and where it is
