@@ -13,7 +13,7 @@
 #include "project/TLProjectType.h"
 #include "project/TLSolverValues.h"
 #include "project/TLSubProject.h"
-#include "textio/TLTokenReader.h"
+#include "textio/TLNumbers.h"
 
 namespace {
 
@@ -103,14 +103,32 @@ TLParameter* hexaParameter(const TLBlock& block, std::string_view name) {
   return block.hexaParameters ? block.hexaParameters->find(name) : nullptr;
 }
 
-std::int32_t hexaInteger(const TLBlock& block, std::string_view name) {
-  const TLParameter* parameter = hexaParameter(block, name);
-  return parameter == nullptr ? 0 : parameter->value.integer(0, 0);
+/// The first element of a value as a number, whatever its type; 0 for a text and without one.
+double numberOf(const TLParameterValue& value) {
+  if (value.rows() < 1 || value.columns() < 1) return 0.0;
+  switch (value.type()) {
+    case TLValueType::integer: return value.integer(0, 0);
+    case TLValueType::real: return value.real(0, 0);
+    case TLValueType::single: return value.single(0, 0);
+    case TLValueType::string: return realFrom(value.string(0, 0));
+  }
+  return 0.0;
 }
 
-double hexaReal(const TLBlock& block, std::string_view name) {
+void setNumber(TLParameterValue& value, double number) {
+  if (value.rows() < 1 || value.columns() < 1) return;
+  switch (value.type()) {
+    case TLValueType::integer: value.setInteger(0, 0, static_cast<std::int32_t>(number)); break;
+    case TLValueType::real: value.setReal(0, 0, number); break;
+    case TLValueType::single: value.setSingle(0, 0, static_cast<float>(number)); break;
+    case TLValueType::string: break;
+  }
+}
+
+/// A setting of a block as a number; 0 when the block lacks it.
+double hexaNumber(const TLBlock& block, std::string_view name) {
   const TLParameter* parameter = hexaParameter(block, name);
-  return parameter == nullptr ? 0.0 : parameter->value.real(0, 0);
+  return parameter == nullptr ? 0.0 : numberOf(parameter->value);
 }
 
 // 1. Outlets control their backflow -----------------------------------------------------------
@@ -143,14 +161,14 @@ void addBackflowControl(TLSubProject& computation) {
 
 void addHeatSources(TLSubProject& computation) {
   for (const auto& block : computation.grid->blocks) {
-    if (hexaInteger(*block, "iVolHeatSrcTrm_") == 0) continue;
+    if (hexaNumber(*block, "iVolHeatSrcTrm_") == 0.0) continue;
     TLNamedChild<TLVolumicHeatSource> source{"spherical_heat_source",
                                              makeHandle<TLVolumicHeatSource>()};
-    source.record->setSphere(hexaReal(*block, "heatSrcTrm_"),
-                            {hexaReal(*block, "xCenterSphereVolHeatSrcTrm_"),
-                             hexaReal(*block, "yCenterSphereVolHeatSrcTrm_"),
-                             hexaReal(*block, "zCenterSphereVolHeatSrcTrm_")},
-                            hexaReal(*block, "radiusSphereVolHeatSrcTrm_"));
+    source.record->setSphere(hexaNumber(*block, "heatSrcTrm_"),
+                            {hexaNumber(*block, "xCenterSphereVolHeatSrcTrm_"),
+                             hexaNumber(*block, "yCenterSphereVolHeatSrcTrm_"),
+                             hexaNumber(*block, "zCenterSphereVolHeatSrcTrm_")},
+                            hexaNumber(*block, "radiusSphereVolHeatSrcTrm_"));
     block->heatSources.push_back(std::move(source));
   }
 }
@@ -207,16 +225,16 @@ constexpr BoosterRow kBoosterRows[] = {
 
 void boostBlocks(const TLSubProject& computation) {
   for (const auto& block : computation.grid->blocks) {
-    if (hexaInteger(*block, "iCPUBooster_") != 1) continue;
+    if (hexaNumber(*block, "iCPUBooster_") != 1.0) continue;
     for (const auto& row : kBoosterRows) {
       TLParameter* from = hexaParameter(*block, row.from);
       TLParameter* to = hexaParameter(*block, row.to);
       if (from == nullptr) continue;
-      if (to != nullptr) to->value.setReal(0, 0, from->value.real(0, 0));
-      from->value.setReal(0, 0, row.usual);
+      if (to != nullptr) setNumber(to->value, numberOf(from->value));
+      setNumber(from->value, row.usual);
     }
     // The settings are those of the booster of that time.
-    if (TLParameter* old = hexaParameter(*block, "tm_iOldCPB_")) old->value.setInteger(0, 0, 1);
+    if (TLParameter* old = hexaParameter(*block, "tm_iOldCPB_")) setNumber(old->value, 1.0);
   }
 }
 

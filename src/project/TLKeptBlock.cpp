@@ -121,6 +121,7 @@ std::string_view valueOf(std::string_view line) {
 }
 
 int checkField(TLTextSource& source, std::string_view line, const TLKeptField& field) {
+  while (isWhite(line.front())) line.remove_prefix(1);  // as all records see their lines
   TLTokenReader reader(source);
   std::int32_t whole = 0;
   double real = 0.0;
