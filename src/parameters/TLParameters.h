@@ -65,6 +65,10 @@ class TLParameters : public RefCounted {
   void setText(std::string_view descriptor, std::string_view value);
   /// @}
 
+  /// Whether the solver partitions the mesh itself. Carried for the solver's launch, no part of the
+  /// block.
+  std::int32_t virtualPartitionActivated = 0;
+
   /// One parameter as it is written: its descriptor, and its values one blank apart.
   struct Item {
     RWCString descriptor;

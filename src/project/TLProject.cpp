@@ -44,6 +44,7 @@ bool isAbsolute(std::string_view path) {
 /// The directory around `directory`, which ends in a separator or is empty.
 RWCString parentOf(RWCString directory) {
   const RWCString above = RWCString("..") + hostForm().separator();
+  if (directory.size() == 1 && isSeparator(directory[0])) return directory;
   if (!directory.empty() && isSeparator(directory.back())) directory.pop_back();
   if (directory.empty() || directory == ".") return above;
   const auto separator = directory.find_last_of("/\\");

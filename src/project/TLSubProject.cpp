@@ -331,14 +331,14 @@ constexpr Section kSolver{
     "#*******                START SOLVER PARAMETERS SECTION            ***********",
     "#*******                END  SOLVER PARAMETERS SECTION             ***********"};
 constexpr Section kConditions{
-    "#*******  START INITIAL SOLUTION AND BOUNDARY CONDITION SECTION   ***********",
-    "#*******  END  INITIAL SOLUTION AND BOUNDARY CONDITION SECTION    ***********"};
+    "#*******   START INITIAL SOLUTION AND BOUNDARY CONDITION SECTION   ***********",
+    "#*******   END  INITIAL SOLUTION AND BOUNDARY CONDITION SECTION    ***********"};
 constexpr Section kB2B{
-    "#*******            START BLADE-TO-BLADE PARAMETERS SECTION        ***********",
-    "#*******            END  BLADE-TO-BLADE PARAMETERS SECTION         ***********"};
+    "#*******                START BLADE-TO-BLADE PARAMETERS SECTION    ***********",
+    "#*******                END  BLADE-TO-BLADE PARAMETERS SECTION     ***********"};
 constexpr Section kChemistry{
-    "#*******               START CHEMICAL PARAMETERS SECTION           ***********",
-    "#*******               END  CHEMICAL PARAMETERS SECTION            ***********"};
+    "#*******                START CHEMICAL PARAMETERS SECTION          ***********",
+    "#*******                END  CHEMICAL PARAMETERS SECTION           ***********"};
 constexpr Section kOutput{
     "#*******                START OUTPUT PARAMETERS SECTION            ***********",
     "#*******                END  OUTPUT PARAMETERS SECTION             ***********"};
@@ -346,11 +346,11 @@ constexpr Section kModal{
     "#*******                START MODAL PARAMETERS SECTION             ***********",
     "#*******                END  MODAL PARAMETERS SECTION              ***********"};
 constexpr Section kGrid{
-    "#*******                 START GRID PARAMETERS SECTION             ***********",
-    "#*******                 END  GRID PARAMETERS SECTION              ***********"};
+    "#*******                START GRID PARAMETERS SECTION              ***********",
+    "#*******                END  GRID PARAMETERS SECTION               ***********"};
 constexpr Section kFluid{
-    "#*******                      START FLUID SECTION                  ***********",
-    "#*******                      END  FLUID SECTION                   ***********"};
+    "#*******                START FLUID SECTION                        ***********",
+    "#*******                END  FLUID SECTION                         ***********"};
 
 constexpr Section kInitialSolutions{
     "#            *********   BEGIN INITIAL SOLUTIONS LIST    *******              \n",
