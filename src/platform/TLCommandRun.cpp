@@ -6,7 +6,7 @@
 
 #include <cerrno>
 
-#include "platform/TLDescriptor.h"
+#include "platform/TLFileDescriptor.h"
 
 extern char** environ;
 
@@ -42,10 +42,10 @@ TLCommandResult runToEnd(const std::string& program, const std::vector<std::stri
   arguments.push_back(nullptr);
 
   SpawnActions actions;
-  TLDescriptor output;
+  TLFileDescriptor output;
   if (!outputFile.empty()) {
-    output = TLDescriptor(::open(outputFile.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC,
-                                 static_cast<mode_t>(0666)));
+    output = TLFileDescriptor(::open(outputFile.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC,
+                                     static_cast<mode_t>(0666)));
     if (!output.open()) return {false, errno};
     actions.redirect(output.get(), STDOUT_FILENO);
     actions.redirect(output.get(), STDERR_FILENO);

@@ -11,7 +11,7 @@
 #include <cstdlib>
 
 #include "platform/TLCommandRun.h"
-#include "platform/TLDescriptor.h"
+#include "platform/TLFileDescriptor.h"
 #include "platform/TLUnixLockFile.h"
 
 namespace {
@@ -49,7 +49,7 @@ std::string temporaryBeside(const std::string& path) {
 }
 
 int writeThrough(const std::string& path, std::string_view text) {
-  TLDescriptor file(::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
+  TLFileDescriptor file(::open(path.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC));
   if (!file.open()) return errno;
   const int error = writeAll(file.get(), text);
   if (error != 0) return error;
@@ -58,7 +58,7 @@ int writeThrough(const std::string& path, std::string_view text) {
 
 /// Fills the new file and gives it the mode and owner of `old`, when there is one. A foreign owner
 /// that this user may not give stays this user.
-int fillTemporary(TLDescriptor& file, std::string_view text, const struct stat* old) {
+int fillTemporary(TLFileDescriptor& file, std::string_view text, const struct stat* old) {
   int error = writeAll(file.get(), text);
   if (error != 0) return error;
   if (old != nullptr) {
@@ -72,7 +72,8 @@ int fillTemporary(TLDescriptor& file, std::string_view text, const struct stat* 
 int replaceRegular(const std::string& path, std::string_view text, const struct stat* old) {
   const std::string temporary = temporaryBeside(path);
   unlink(temporary.c_str());  // left by an earlier process of the same number
-  TLDescriptor file(::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFile));
+  TLFileDescriptor file(
+      ::open(temporary.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, kNewFile));
   if (!file.open()) return errno;
   int error = fillTemporary(file, text, old);
   if (error == 0 && rename(temporary.c_str(), path.c_str()) != 0) error = errno;
@@ -89,7 +90,7 @@ int TLUnixHost::runWords(const std::vector<std::string>& words) {
 }
 
 bool TLUnixHost::canRead(std::string_view path) const {
-  return TLDescriptor(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC)).open();
+  return TLFileDescriptor(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC)).open();
 }
 
 bool TLUnixHost::canMakeFilesIn(std::string_view directory) const {
@@ -97,13 +98,13 @@ bool TLUnixHost::canMakeFilesIn(std::string_view directory) const {
 }
 
 bool TLUnixHost::canWrite(std::string_view path, int& error) const {
-  const TLDescriptor file(::open(realPath(path).c_str(), O_RDWR | O_CLOEXEC));
+  const TLFileDescriptor file(::open(realPath(path).c_str(), O_RDWR | O_CLOEXEC));
   error = file.open() ? 0 : errno;
   return file.open();
 }
 
 std::optional<std::string> TLUnixHost::readFile(std::string_view path) const {
-  const TLDescriptor file(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC));
+  const TLFileDescriptor file(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC));
   struct stat about {};
   if (!file.open() || fstat(file.get(), &about) != 0 || S_ISDIR(about.st_mode)) return std::nullopt;
   std::string text;

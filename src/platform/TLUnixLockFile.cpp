@@ -33,17 +33,17 @@ bool stillNamed(int file, const std::string& path) {
          opened.st_dev == named.st_dev && opened.st_ino == named.st_ino;
 }
 
-TLDescriptor openLockFile(const std::string& path) {
-  TLDescriptor made(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
+TLFileDescriptor openLockFile(const std::string& path) {
+  TLFileDescriptor made(::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, kMode));
   if (made.open() || errno != EEXIST) return made;
-  return TLDescriptor(::open(path.c_str(), O_RDWR | O_CLOEXEC));
+  return TLFileDescriptor(::open(path.c_str(), O_RDWR | O_CLOEXEC));
 }
 
 }  // namespace
 
 std::unique_ptr<TLLockFile> TLUnixLockFile::acquire(const std::string& path) {
   for (int i = 0; i < kMostTries; ++i) {
-    TLDescriptor file = openLockFile(path);
+    TLFileDescriptor file = openLockFile(path);
     if (!file.open()) {
       if (errno == ENOENT || errno == EEXIST) {
         if (errno == ENOENT && i > 0) return nullptr;  // no such directory
@@ -59,7 +59,7 @@ std::unique_ptr<TLLockFile> TLUnixLockFile::acquire(const std::string& path) {
   return nullptr;
 }
 
-TLUnixLockFile::TLUnixLockFile(std::string path, TLDescriptor file)
+TLUnixLockFile::TLUnixLockFile(std::string path, TLFileDescriptor file)
     : path_(std::move(path)), file_(std::move(file)) {}
 
 // Removed while still held: nobody can take the file over and then lose it.

@@ -3,7 +3,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/TLDescriptor.h"
+#include "platform/TLFileDescriptor.h"
 #include "platform/TLLockFile.h"
 
 /// A lock file on a UNIX system: made exclusively and empty, and kept open under flock and under a
@@ -15,10 +15,10 @@ class TLUnixLockFile : public TLLockFile {
   /// made. Never waits.
   static std::unique_ptr<TLLockFile> acquire(const std::string& path);
 
-  TLUnixLockFile(std::string path, TLDescriptor file);
+  TLUnixLockFile(std::string path, TLFileDescriptor file);
   ~TLUnixLockFile() override;
 
  private:
   std::string path_;
-  TLDescriptor file_;
+  TLFileDescriptor file_;
 };

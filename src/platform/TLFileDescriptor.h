@@ -5,16 +5,16 @@
 #include <utility>
 
 /// An open file descriptor of which this object is the only owner.
-class TLDescriptor {
+class TLFileDescriptor {
  public:
   /// Takes `descriptor` over; -1 for none.
-  explicit TLDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
-  TLDescriptor(TLDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
-  TLDescriptor& operator=(TLDescriptor&& other) noexcept {
+  explicit TLFileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
+  TLFileDescriptor(TLFileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  TLFileDescriptor& operator=(TLFileDescriptor&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
     return *this;
   }
-  ~TLDescriptor() { close(); }
+  ~TLFileDescriptor() { close(); }
 
   bool open() const { return descriptor_ >= 0; }
   int get() const { return descriptor_; }
