@@ -151,9 +151,9 @@ struct TLProjectFormat {
   }
 
   static void writeComputationName(const R& record, TLTextSink& sink, std::string_view literal) {
-    sink << literal;
-    if (record.currentComputation) sink << record.currentComputation->name;
-    sink << '\n';
+    // A line without a name couldn't be read back.
+    sink << literal << (record.currentComputation ? record.currentComputation->name : "unknown")
+         << '\n';
   }
 
   static TLKeyResult readManager(R& record, TLKeyContext& context) {

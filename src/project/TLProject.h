@@ -90,7 +90,7 @@ class TLProject : public RefCounted {
   std::vector<Handle<TLNonDeterministicComputationManager>> nonDeterministicManagers;
   std::int32_t lastUsedComputationIndex = 0;
   std::int32_t hasNonDeterministicComputation = 0;
-  RWCString solverPrecision;
+  RWCString solverPrecision = "single";  ///< "single", "double" or "hybrid"
   RWCString subProjectName;
   Handle<TLSteeringParameters> steering;  ///< of the step that runs this project; null for none
   std::int32_t subProjectFlag = 0;        ///< not 0: the computations lie a level deeper

@@ -14,7 +14,8 @@ struct ReadProject {
   int result = 0;
   std::string console;
 
-  explicit ReadProject(const std::string& text, const std::string& file = "/p/study/comp/comp.run") {
+  explicit ReadProject(const std::string& text,
+                       const std::string& file = "/p/study/comp/comp.run") {
     std::ostringstream heard;
     TLConsoleRedirect redirect(heard);
     project->projectFile = TLFile(file);

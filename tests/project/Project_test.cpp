@@ -59,7 +59,7 @@ TEST_F(Project, KeysOfTheProjectItself) {
   EXPECT_EQ(read.written(),
             "TALVEN_PROJECT_FILE   VERSION 1210\n"
             "PROJECT_TYPE  MARINE\n"
-            "COMPUTATION_NAME \n"
+            "COMPUTATION_NAME unknown\n"
             "SUB_PROJECT_FLAG 0\n"
             "GRID_FILE          /gone/a grid.zyv\n"
             "RELATIVE_GRID_FILE undefined\n"
@@ -84,14 +84,13 @@ TEST_F(Project, OlderVersionsSetThePrecisionAndTheLastUsedMark) {
     const char* expected;
     int lastUsed;
   } cases[] = {
-      {"5.001", "HEXA", "single", "double", 1},  {"5.002", "HEXA", "single", "hybrid", 1},
-      {"1210", "HEXA", "single", "hybrid", 0},   {"1210", "HEXA", "double", "double", 0},
+      {"5.001", "HEXA", "single", "double", 1},     {"5.002", "HEXA", "single", "hybrid", 1},
+      {"1210", "HEXA", "single", "hybrid", 0},      {"1210", "HEXA", "double", "double", 0},
       {"8.9", "STRUCTURED", "single", "single", 1}, {"8.91", "STRUCTURED", "single", "single", 0},
   };
   for (const auto& test : cases) {
     const ReadProject read(std::string("TALVEN_PROJECT_FILE VERSION ") + test.version +
-                           "\nPROJECT_TYPE " + test.type + "\nSOLVER_PRECISION " +
-                           test.precision +
+                           "\nPROJECT_TYPE " + test.type + "\nSOLVER_PRECISION " + test.precision +
                            "\nLAST_USED_COMPUTATION_INDEX 1\n"
                            "TL_BEGIN computation\nVERSION 1210\nTL_END computation\n"
                            "TL_BEGIN computation\nVERSION 1210\nTL_END computation\n");
@@ -118,19 +117,21 @@ TEST_F(Project, FluidOfTheFirstBlockCountsInVersionsBetween) {
 TEST_F(Project, ComputationsAreWrittenWithTheirManagersAndBanners) {
   const std::string computation = "TL_BEGIN computation\nNAME ";
   const std::string manager = "  TL_BEGIN TLNonDeterministicComputationManager\n";
-  const ReadProject read("TALVEN_PROJECT_FILE VERSION 1210\n" + manager +
-                         "    COMPUTATION_NAME  two\nTL_END TLNonDeterministicComputationManager\n" +
-                         manager + "    follows\nTL_END TLNonDeterministicComputationManager\n" +
-                         computation + "one\nNON_DETERMINISTIC_ACTIVE 1\nTL_END computation\n" +
-                         computation + "two\nTL_END computation\n");
+  const ReadProject read(
+      "TALVEN_PROJECT_FILE VERSION 1210\n" + manager +
+      "    COMPUTATION_NAME  two\nTL_END TLNonDeterministicComputationManager\n" + manager +
+      "    follows\nTL_END TLNonDeterministicComputationManager\n" + computation +
+      "one\nNON_DETERMINISTIC_ACTIVE 1\nTL_END computation\n" + computation +
+      "two\nTL_END computation\n");
   ASSERT_EQ(read.result, 1);
   EXPECT_EQ(read->hasNonDeterministicComputation, 1);
   EXPECT_EQ(read->currentComputation->name, "one");
   const std::string text = read.written();
   const std::string stars(78, '*');
-  const auto first = text.find(manager + "    follows\n  TL_END   TLNonDeterministicComputationManager\n" +
-                               stars + "\n******* START COMPUTATION 1 SECTION  **************\n" +
-                               stars + "\n  TL_BEGIN computation\n");
+  const auto first =
+      text.find(manager + "    follows\n  TL_END   TLNonDeterministicComputationManager\n" + stars +
+                "\n******* START COMPUTATION 1 SECTION  **************\n" + stars +
+                "\n  TL_BEGIN computation\n");
   const auto second =
       text.find("  TL_END   computation\n" + manager + "    COMPUTATION_NAME  two\n");
   EXPECT_NE(first, std::string::npos);
@@ -167,9 +168,9 @@ TEST_F(Project, AMovedDirectoryIsFoundByItsRelativePaths) {
   EXPECT_EQ(project.computations[0]->referenceRunFile.path(), reference);
   ASSERT_EQ(project.write(file), 1);
   const std::string text = dir.read("comp/comp.run");
-  for (const char* line : {"RELATIVE_GRID_FILE _mesh/m.zyv\n",
-                           "RELATIVE_TRB_FILE _mesh/g.geomTurbo\n",
-                           "    RELATIVE_REFERENCE_RUN_FILE      ref/ref.run\n"}) {
+  for (const char* line :
+       {"RELATIVE_GRID_FILE _mesh/m.zyv\n", "RELATIVE_TRB_FILE _mesh/g.geomTurbo\n",
+        "    RELATIVE_REFERENCE_RUN_FILE      ref/ref.run\n"}) {
     EXPECT_NE(text.find(line), std::string::npos) << line;
   }
 }
