@@ -14,6 +14,7 @@
 std::vector<TLCommand> runCommands();      ///< run, start, attach, watch
 std::vector<TLCommand> controlCommands();  ///< status, stop, suspend, save, replay, exit, list
 std::vector<TLCommand> fileCommands();     ///< check, rewrite
+std::vector<TLCommand> planCommands();     ///< plan
 /// @}
 
 /// The live daemon that `who` means, with this process enrolled in the virtual machine. None, with

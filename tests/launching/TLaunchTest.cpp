@@ -3,6 +3,7 @@
 #include <functional>
 #include <sstream>
 
+#include "launching/TLLaunchPlan.h"
 #include "platform/TLConsole.h"
 
 namespace {
@@ -38,10 +39,18 @@ class Launches : public TLaunchFixture {
     step->executable = launch.executable;
     arguments(launch.arguments);
     launch.change(*step);
+    const TLLaunchPlan plan = planLaunch(*step, hostIsWin32(step->hostName) != 0, launchSite(),
+                                         &readRunFileFacts, mappingStrategy());
     EXPECT_EQ(launching().startStep(*step), 0);
     EXPECT_EQ(started(), launch.expected);
+    EXPECT_EQ(plan.program + " on " + plan.host, recordedSpawn());
+    EXPECT_EQ(plan.words, recordedVirtualMachine().spawns.at(0).words);
     EXPECT_EQ(step->status, TLSubTask::Running);
     EXPECT_EQ(step->children.size(), 1U);
+  }
+  static std::string recordedSpawn() {
+    const auto& spawn = recordedVirtualMachine().spawns.at(0);
+    return spawn.executable + " on " + spawn.host;
   }
   void check(const std::vector<Launch>& launches) {
     for (const auto& launch : launches) check(launch);

@@ -1,0 +1,174 @@
+#include "launching/TLLaunchPlan.h"
+
+#include "launching/TLComposition.h"
+#include "launching/TLLaunchLines.h"
+#include "launching/TLLaunching.h"
+#include "launching/TLProgramNames.h"
+#include "launching/TLRunFile.h"
+#include "launching/TLRunFileLaunch.h"
+#include "launching/TLStartFiles.h"
+#include "messaging/TLVirtualMachine.h"
+#include "taskengine/TLTask.h"
+
+namespace {
+
+/// The plan of one step, by the stages of its launch.
+class Planner {
+ public:
+  Planner(const TLSubTask& step, bool win32, const TLLaunchSite& site,
+          const TLRunFileReader& readRunFile)
+      : step_(step), site_(site), readRunFile_(readRunFile), draft_(draftOf(step)) {
+    draft_.win32 = win32;
+    plan_.win32 = win32;
+  }
+
+  TLLaunchPlan ordinary() {
+    completeArguments(draft_, site_);
+    if (isSolver(draft_.executable)) planRunFile();
+    if (isSculpt(draft_.executable)) {
+      const RWCString file = procDistribFile(draft_);
+      completeSculptArguments(draft_, site_);
+      plan_.written.push_back({file, procDistribText(draft_.loadBalancing)});
+    }
+    draft_.spawnArguments.assign(draft_.arguments);
+    planCarriage();
+    nameProgram(draft_);
+    planLines();
+    if (wantsBatchFile(draft_)) {
+      nameBatchFile(draft_);
+      plan_.written.push_back(
+          {draft_.batchFile, batchFileText(draft_, site_.suiteDirectory, site_.separator)});
+    }
+    finishSpawnArguments(draft_);
+    return finished(startWay(draft_), startHost(draft_, site_));
+  }
+
+  TLLaunchPlan marine(const TLComputationPlace& place, TLMappingStrategy& mapping) {
+    if (isIdlePartition(draft_.name, draft_.arguments)) {
+      plan_.notes.emplace_back("one part needs no partition: finished without a process");
+      return plan_;
+    }
+    completeMarineArguments(draft_, site_);
+    if (isMarineSolver(draft_.executable)) settleMarineProcesses(draft_);
+    nameParallelMarineProgram(draft_, site_);
+    finishMarineArguments(draft_, place, mapping);
+    planLines();
+    if (!draft_.win32 && draft_.name == "QUOREL_CFD") {
+      plan_.written.push_back({place.directory + "machines.txt", {}});
+    }
+    if (draft_.queued()) {
+      plan_.notes.emplace_back("a queuing system is set: no process is started");
+      return finished(TLStartWay::none, draft_.hostName);
+    }
+    return finished(TLStartWay::direct, draft_.hostName);
+  }
+
+  TLLaunchPlan probes() {
+    draft_.spawnArguments.assign(draft_.arguments);
+    return finished(TLStartWay::localTool, site_.localHostName);
+  }
+
+ private:
+  void planRunFile() {
+    plan_.runFile = runFileOf(draft_);
+    const bool tables = draft_.name == "DORVEX" || draft_.name == "LUMBRAKE";
+    std::int32_t blocks = 0;
+    const TLRunFileFacts facts = readRunFile_(plan_.runFile, tables, blocks);
+    if (facts.good) {
+      adaptToRunFile(draft_, site_, facts);
+      if (draft_.unstructured) return;
+    } else {
+      plan_.notes.push_back(
+          site_.canRead(plan_.runFile)
+              ? "the run file can't be read: it would be kept as " + plan_.runFile +
+                    ".unreadable, and replaced by an empty project"
+              : RWCString(
+                    "the run file isn't there yet: the words are those for an empty project"));
+    }
+    plan_.written.push_back({plan_.runFile, {}});
+    addMachineArguments(draft_);
+    const auto distribution =
+        distributionOf(draft_.loadBalancing, step_.virtualPartition.nbTasks(), blocks);
+    if (distribution.balance) plan_.notes.emplace_back("the blocks are balanced at the start");
+    for (std::int32_t block = 0; distribution.processes && block < blocks; ++block) {
+      plan_.blockProcess.push_back(draft_.loadBalancing.processOfBlock(block) + 1);
+    }
+  }
+
+  void planCarriage() {
+    if (carriageOf(draft_, site_, draft_.spawnArguments) == TLCarriage::none) return;
+    for (const auto& entry : draft_.spawnArguments.entries()) {
+      if (entry->hasLocalFile() == 1 && entry->localFile() != 0) {
+        plan_.carried.push_back(entry->value());
+      }
+    }
+    if (!plan_.carried.empty()) {
+      plan_.notes.emplace_back("carried files stand with their local names in the words");
+    }
+  }
+
+  void planLines() {
+    plan_.scriptLines = {
+        spawnLine(draft_.executable, draft_.hostName, draft_.win32, draft_.remoteLogin)};
+    for (const auto& line : argumentLines(draft_.spawnArguments)) plan_.scriptLines.push_back(line);
+  }
+
+  TLLaunchPlan finished(TLStartWay way, const RWCString& host) {
+    plan_.way = way;
+    plan_.host = host;
+    plan_.program = draft_.executable;
+    plan_.words = commandWords(draft_.spawnArguments);
+    return plan_;
+  }
+
+  const TLSubTask& step_;
+  const TLLaunchSite& site_;
+  const TLRunFileReader& readRunFile_;
+  TLLaunchDraft draft_;
+  TLLaunchPlan plan_;
+};
+
+TLComputationPlace placeOf(const TLSubTask& step) {
+  const Handle<TLTask> task = step.parentTask();
+  if (!task) return {};
+  return {task->localComputationPath, task->computationFileName};
+}
+
+}  // namespace
+
+const char* startWayWord(TLStartWay way) {
+  switch (way) {
+    case TLStartWay::direct:
+      return "pvm";
+    case TLStartWay::mpiLauncher:
+      return "mpi launcher";
+    case TLStartWay::queued:
+      return "queue";
+    case TLStartWay::localTool:
+      return "local tool";
+    case TLStartWay::none:
+      break;
+  }
+  return "none";
+}
+
+TLLaunchPlan planLaunch(const TLSubTask& step, bool win32, const TLLaunchSite& site,
+                        const TLRunFileReader& readRunFile, TLMappingStrategy& mapping) {
+  if (step.enabled == 0) {
+    TLLaunchPlan plan;
+    plan.notes.emplace_back("disabled: finished without a process");
+    return plan;
+  }
+  Planner planner(step, win32, site, readRunFile);
+  if (isMarineStep(step.name)) return planner.marine(placeOf(step), mapping);
+  if (step.name == "PROBES2QVK") return planner.probes();
+  return planner.ordinary();
+}
+
+TLRunFileFacts readRunFileFacts(const RWCString& path, bool unstructuredTables,
+                                std::int32_t& blocks) {
+  const auto file = makeRunFile();
+  const TLRunFileFacts facts = file->read(path, unstructuredTables);
+  blocks = file->blockCount();
+  return facts;
+}

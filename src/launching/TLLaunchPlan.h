@@ -1,0 +1,40 @@
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include "launching/TLLaunchDraft.h"
+#include "launching/TLMarineComposition.h"
+
+class TLSubTask;
+
+/// What a launch of one step would do, without doing any of it: the dry run. Nothing is started and
+/// no file is changed; the words are those of a later launch from the same files.
+struct TLLaunchPlan {
+  TLStartWay way = TLStartWay::none;
+  RWCString host;      ///< on which the process is started
+  bool win32 = false;  ///< kind of the step's host
+  RWCString program;
+  std::vector<RWCString> words;
+  RWCString runFile;                       ///< of a flow solver; empty for none
+  std::vector<TLLaunchFile> written;       ///< files made here; `text` empty where it is a record's
+  std::vector<RWCString> carried;          ///< local files that go to the host first
+  std::vector<RWCString> scriptLines;      ///< told to the script before the start
+  std::vector<std::int32_t> blockProcess;  ///< process of each block, from 1; empty when not told
+  std::vector<RWCString> notes;            ///< what is worth knowing about this start
+};
+
+/// A word for people: "pvm", "mpi launcher", "queue", "local tool", "none".
+const char* startWayWord(TLStartWay way);
+
+/// The facts of a run file and the number of its blocks, for a plan. Must not change anything.
+using TLRunFileReader = std::function<TLRunFileFacts(const RWCString& path, bool unstructuredTables,
+                                                     std::int32_t& blocks)>;
+
+/// The plan of one step on a host of the kind `win32`.
+TLLaunchPlan planLaunch(const TLSubTask& step, bool win32, const TLLaunchSite& site,
+                        const TLRunFileReader& readRunFile, TLMappingStrategy& mapping);
+
+/// Reads through the launch's own reader of run files.
+TLRunFileFacts readRunFileFacts(const RWCString& path, bool unstructuredTables,
+                                std::int32_t& blocks);
