@@ -1,11 +1,13 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <cstdio>
 #include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
 
+#include "messaging/TLVirtualMachine.h"
 #include "tool/TLCommands.h"
 #include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
@@ -18,6 +20,7 @@ using Json = nlohmann::json;
 
 constexpr int kJsonVersion = 1;
 constexpr int kNoStep = -1;
+constexpr std::int32_t kRunning = 1;
 constexpr TLDaemonClient::Seconds kPollPatience{10.0};
 constexpr TLDaemonClient::Seconds kStopPatience{60.0};
 
@@ -32,6 +35,13 @@ struct Contact {
   TLToolEnvironment environment;
   TLVirtualMachineStarter machine{environment.userDirectory()};
   std::optional<TLRunState> state;
+
+  // A daemon hears only those who have told it that they are there.
+  TLDaemonClient join() const {
+    TLDaemonClient client(state->tid);
+    client.send(TL_MSG_RECONNECTED);
+    return client;
+  }
 };
 
 bool reach(Contact& contact, const ControlOptions& options) {
@@ -48,9 +58,21 @@ bool isStep(const Contact& contact, int step) {
 
 // Statuses ----------------------------------------------------------------------------------
 
+// True while the daemon's own notes can be taken for the truth: nothing that it holds for running
+// has ended meanwhile. Only the virtual machine's children can be looked at from here.
+bool isCurrent(const TLRunState& state) {
+  return std::all_of(state.steps.begin(), state.steps.end(), [](const TLRunStateStep& step) {
+    if (step.status != kRunning) return true;
+    return step.queue == 0 && !step.children.empty() &&
+           std::all_of(step.children.begin(), step.children.end(), [](std::int32_t tid) {
+             return TL_virtual_machine_status(tid) == kVirtualMachineOk;
+           });
+  });
+}
+
 // The statuses as the daemon answers them; those of its state file when it is busy.
 bool refresh(Contact& contact) {
-  TLDaemonClient client(contact.state->tid);
+  TLDaemonClient client = contact.join();
   const bool answered = client.poll(kPollPatience);
   const std::string file =
       TLRunState::fileName(contact.environment.userDirectory(), contact.state->pid);
@@ -118,7 +140,7 @@ void printJson(const Json& json) {
 int showStatus(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  const bool answered = refresh(contact);
+  const bool answered = isCurrent(*contact.state) || refresh(contact);
   if (options.json) {
     Json json = toJson(*contact.state);
     json["answered"] = answered;
@@ -151,7 +173,7 @@ int listTasks(const ControlOptions& options) {
 int stopTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  TLDaemonClient client(contact.state->tid);
+  TLDaemonClient client = contact.join();
   if (options.step == kNoStep) {
     if (client.ask(TL_MSG_STOP, -1, TL_MSG_STOP, kStopPatience)) {
       fmt::print("all steps of {} are stopped\n", contact.state->taskFile);
@@ -171,7 +193,7 @@ int stopTask(const ControlOptions& options) {
 int suspendTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  TLDaemonClient client(contact.state->tid);
+  TLDaemonClient client = contact.join();
   if (options.step == kNoStep) {
     client.send(TL_MSG_SUSPEND_TASK);
     fmt::print("asked to end after the next iteration; the daemon ends with the solver\n");
@@ -187,7 +209,7 @@ int saveSolution(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
   if (!isStep(contact, options.step)) return TLExitCode::kWrongUse;
-  TLDaemonClient client(contact.state->tid);
+  TLDaemonClient client = contact.join();
   client.send(TL_MSG_SAVE_SOLUTION, options.step);
   fmt::print("step {} is asked to save its solution\n", options.step);
   return TLExitCode::kOk;
@@ -196,8 +218,7 @@ int saveSolution(const ControlOptions& options) {
 int replayEnds(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  TLDaemonClient client(contact.state->tid);
-  client.send(TL_MSG_RECONNECTED);
+  TLDaemonClient client = contact.join();
   if (!client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kPollPatience)) {
     fmt::print(stderr, "tlctl: the daemon is busy\n");
     return TLExitCode::kStepFailed;
@@ -212,7 +233,7 @@ int replayEnds(const ControlOptions& options) {
 int endDaemon(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  TLDaemonClient client(contact.state->tid);
+  TLDaemonClient client = contact.join();
   client.send(TL_MSG_EXIT);
   if (client.waitGone(kStopPatience)) {
     fmt::print("the daemon of {} has ended; steps that ran go on\n", contact.state->taskFile);

@@ -1,0 +1,63 @@
+#include "tool/TLFileReport.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tool/TLTaskFile.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+class TaskFileReport : public ::testing::Test {
+ protected:
+  TaskFileReport()
+      : path_(std::filesystem::temp_directory_path() /
+              ("tl-report-" + std::to_string(::getpid()) + ".task")) {}
+  ~TaskFileReport() override { std::filesystem::remove(path_); }
+
+  std::string reportOf(const std::string& text, bool expectGood) {
+    std::ofstream(path_) << text;
+    TLTaskFile file(path_);
+    EXPECT_EQ(file.read(), expectGood);
+    std::string report = file.report().text();
+    for (auto at = report.find(path_); at != std::string::npos; at = report.find(path_)) {
+      report.replace(at, path_.string().size(), "FILE");
+    }
+    return report;
+  }
+
+  std::filesystem::path path_;
+};
+
+TEST_F(TaskFileReport, APassedOverLineNamesTheWordThatWasMeant) {
+  EXPECT_EQ(reportOf("name a\nTL_BEGIN subtask\n\thostnme vm\nTL_END subtask\n", true),
+            "FILE:3:2: warning: no key of subtask on this line: it is passed over (was "
+            "\"hostname\" meant?)\n"
+            "  \thostnme vm\n"
+            "  \t^\n");
+}
+
+TEST_F(TaskFileReport, AMissingValueIsAFaultAtItsLine) {
+  const std::string report =
+      reportOf("# comment\nname a\nTL_BEGIN subtask\nname b\n  status\nTL_END subtask\n", false);
+  EXPECT_THAT(report, HasSubstr("FILE:5:3: fault: expected: status <integer value>"));
+  EXPECT_THAT(report, HasSubstr("    status\n    ^\n"));
+}
+
+TEST_F(TaskFileReport, ATaskWithoutStepsIsPointedOut) {
+  EXPECT_EQ(reportOf("name a\n", true), "FILE: warning: holds no step: nothing would run\n");
+}
+
+TEST(NearestWord, IsNearEnoughOrNone) {
+  const std::vector<std::string_view> known = {"hostname", "status", "name"};
+  EXPECT_EQ(nearestWord("hostnme", known), "hostname");
+  EXPECT_EQ(nearestWord("HOSTNAME", known), "hostname");
+  EXPECT_EQ(nearestWord("stats", known), "status");
+  EXPECT_EQ(nearestWord("perfcurve", known), "");
+}
+
+}  // namespace

@@ -1,0 +1,203 @@
+// tlctl as a user runs it: the installed program, its own virtual machine, real daemons and tools.
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <thread>
+
+#include "platform/TLProcess.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+std::string textOf(const fs::path& path) {
+  std::ifstream file(path);
+  std::ostringstream text;
+  text << file.rdbuf();
+  return text.str();
+}
+
+class Tlctl : public ::testing::Test {
+ protected:
+  struct Answer {
+    int code = -1;
+    std::string text;
+  };
+
+  Tlctl() {
+    std::string pattern = (fs::temp_directory_path() / "tlctl-XXXXXX").string();
+    directory_ = mkdtemp(pattern.data());
+    fs::create_directories(directory_ / "tools");
+    const std::string install = std::string("cmake --install ") + TL_BUILD_DIR + " --prefix " +
+                                (directory_ / "suite").string() + " > /dev/null";
+    EXPECT_EQ(std::system(install.c_str()), 0);
+    environment_ = {{"HOME", directory_},
+                    {"PVM_TMP", directory_ / "home-pvm"},
+                    {"PVM_VMID", directory_.filename()},
+                    {"TL_UPDATE_MS", "20"},
+                    {"NO_COLOR", "1"}};
+    fs::create_directory(directory_ / "home-pvm");
+  }
+
+  ~Tlctl() override {
+    endVirtualMachine();
+    fs::remove_all(directory_);
+  }
+
+  // What a run that was left to itself still holds.
+  void endVirtualMachine() const {
+    for (const auto& entry : fs::directory_iterator("/proc")) {
+      const std::string name = entry.path().filename();
+      if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+      if (textOf(entry.path() / "environ").find(directory_.string()) != std::string::npos) {
+        requestProcessEnd(std::stoi(name));
+      }
+    }
+  }
+
+  std::optional<TLProcess> start(std::vector<std::string> words, const fs::path& output) const {
+    words.insert(words.begin(), directory_ / "suite/mire71/bin/tlctl");
+    std::string error;
+    TLProcessOptions options;
+    options.environment = environment_;
+    options.outputFile = output;
+    auto process = TLProcess::start(words, options, error);
+    EXPECT_TRUE(process) << error;
+    return process;
+  }
+
+  Answer run(const std::vector<std::string>& words) const {
+    const fs::path output = directory_ / "output";
+    fs::remove(output);
+    auto process = start(words, output);
+    wait([&] { return !process->running(); });
+    return {process->exitCode().value_or(-1), textOf(output)};
+  }
+
+  static bool wait(const std::function<bool()>& done, double seconds = 60) {
+    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
+    while (!done()) {
+      if (std::chrono::steady_clock::now() > end) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    }
+    return true;
+  }
+
+  // A step that does `commands` under the name of the program `executable`.
+  std::string step(const std::string& name, const std::string& executable,
+                   const std::vector<std::string>& commands) const {
+    const fs::path tool = directory_ / "tools" / executable;
+    if (!fs::exists(tool)) fs::create_symlink(TL_FAKETOOL, tool);
+    char host[256] = {};
+    gethostname(host, sizeof host - 1);
+    std::string text = "TL_BEGIN subtask\n NAME " + name + "\n EXECUTABLE " + executable +
+                       "\n HOSTNAME " + host + "\n TL_BEGIN process_arguments\n";
+    for (const auto& command : commands) {
+      text += "  TL_BEGIN process_argument\n   TYPE -do\n   VALUE " + command +
+              "\n  TL_END process_argument\n";
+    }
+    return text + " TL_END process_arguments\nTL_END subtask\n";
+  }
+
+  std::string writeTask(const std::string& steps) const {
+    const fs::path path = directory_ / "some task.task";
+    std::ofstream(path) << "NAME some task\n" << steps << "TL_END task\n";
+    return path;
+  }
+
+  fs::path directory_;
+  std::map<std::string, std::string> environment_;
+};
+
+TEST_F(Tlctl, RunsATaskToItsEndAndLeavesNothingBehind) {
+  const std::string task =
+      writeTask(step("MESH", "meshtool", {"exit 0"}) +
+                step("SOLVE", "velstraTurbo", {"started", "finished all is well", "await 5 30"}) +
+                step("PICTURE", "picturetool", {"exit 0"}));
+  const Answer answer = run({"run", "--tools", directory_ / "tools", "--interval", "50", task});
+  EXPECT_EQ(answer.code, 0) << answer.text;
+  EXPECT_THAT(answer.text, HasSubstr("step 1 SOLVE: all is well"));
+  EXPECT_THAT(answer.text, HasSubstr("   2  PICTURE  finished ok"));
+  EXPECT_EQ(run({"list"}).text, "");
+  EXPECT_TRUE(wait([&] {
+    return fs::is_empty(directory_ / "home-pvm") ||
+           !fs::exists(directory_ / "home-pvm" /
+                       ("pvmd." + std::to_string(getuid()) + "." + directory_.filename().string()));
+  }));
+}
+
+TEST_F(Tlctl, TellsWhyAStepDied) {
+  const std::string task =
+      writeTask(step("SOLVE", "velstraTurbo", {"started", "error negative volume", "die SEGV"}));
+  const Answer answer = run({"run", "--tools", directory_ / "tools", "--interval", "50", task});
+  EXPECT_EQ(answer.code, 1);
+  EXPECT_THAT(answer.text, HasSubstr("negative volume"));
+  EXPECT_THAT(answer.text, HasSubstr("crashed"));
+}
+
+TEST_F(Tlctl, TalksToADaemonThatWasLeft) {
+  const std::string task =
+      writeTask(step("SOLVE", "velstraTurbo", {"started", "wait 120", "exit 0"}) +
+                step("NEXT", "nexttool", {"exit 0"}));
+  const fs::path output = directory_ / "run-output";
+  auto following =
+      start({"run", "--tools", directory_ / "tools", "--interval", "50", task}, output);
+  ASSERT_TRUE(wait([&] { return textOf(output).find("SOLVE: running") != std::string::npos; }))
+      << textOf(output);
+  following->terminate();
+  EXPECT_EQ(following->exitCode(), 0);
+  EXPECT_THAT(textOf(output), HasSubstr("tlctl attach"));
+
+  const auto status = nlohmann::json::parse(run({"status", task, "--json"}).text);
+  EXPECT_EQ(status["version"], 1);
+  EXPECT_EQ(status["task"], "some task");
+  EXPECT_EQ(status["steps"][0]["word"], "running");
+  EXPECT_EQ(status["steps"][1]["word"], "pending");
+
+  EXPECT_EQ(run({"stop", "--step", "7"}).code, 2);
+  EXPECT_EQ(run({"stop"}).code, 0);
+  EXPECT_THAT(run({"status"}).text, HasSubstr("stopped"));
+  EXPECT_EQ(run({"attach", "some task"}).code, 1);
+  EXPECT_EQ(run({"exit"}).code, 0);
+  EXPECT_EQ(run({"status"}).code, 3);
+}
+
+TEST_F(Tlctl, AnswersWrongUseWithTwoAndNobodyThereWithThree) {
+  EXPECT_EQ(run({}).code, 2);
+  const Answer typo = run({"stauts"});
+  EXPECT_EQ(typo.code, 2);
+  EXPECT_THAT(typo.text, HasSubstr("there is no command \"stauts\""));
+  EXPECT_THAT(run({"status", "--jsno"}).text, HasSubstr("was \"--json\" meant"));
+  EXPECT_EQ(run({"save"}).code, 2);
+  for (const char* command : {"status", "stop", "exit", "attach", "replay", "suspend", "watch"}) {
+    EXPECT_EQ(run({command}).code, 3) << command;
+  }
+  EXPECT_EQ(run({"run", directory_ / "none.task"}).code, 1);
+  EXPECT_EQ(run({"--help"}).code, 0);
+}
+
+TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
+  const std::string task = writeTask(step("A", "tool", {"exit 0"}));
+  EXPECT_THAT(run({"check", task}).text, HasSubstr("step 0  A"));
+  const fs::path once = directory_ / "once";
+  const fs::path twice = directory_ / "twice";
+  EXPECT_EQ(run({"rewrite", "task", task, once}).code, 0);
+  EXPECT_EQ(run({"rewrite", "task", once, twice}).code, 0);
+  EXPECT_EQ(textOf(once), textOf(twice));
+  std::ofstream(task) << "NAME a\nSTATUS\n";
+  const Answer refused = run({"rewrite", "task", task, once});
+  EXPECT_EQ(refused.code, 1);
+  EXPECT_THAT(refused.text, HasSubstr("  wrong format for4: STATUS\n"));
+  EXPECT_EQ(textOf(once), textOf(twice)) << "a file is replaced only by a complete one";
+}
+
+}  // namespace
