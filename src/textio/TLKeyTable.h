@@ -78,7 +78,7 @@ class TLKeyTable {
  public:
   /// `recordName` appears in messages about lines that no row matches. For each of `closingNames` a
   /// row is added behind the others: the line "tl_end" with that name ends the block.
-  TLKeyTable(std::string_view recordName, std::initializer_list<TLKey<Record>> rows,
+  TLKeyTable(std::string_view recordName, std::vector<TLKey<Record>> rows,
              std::initializer_list<std::string_view> closingNames = {});
 
   /// The row for `line`, or null.
@@ -295,10 +295,9 @@ constexpr TLKey<Record> versionKey(int place = 0, std::string_view literal = {})
 }
 
 template <class Record>
-TLKeyTable<Record>::TLKeyTable(std::string_view recordName,
-                               std::initializer_list<TLKey<Record>> rows,
+TLKeyTable<Record>::TLKeyTable(std::string_view recordName, std::vector<TLKey<Record>> rows,
                                std::initializer_list<std::string_view> closingNames)
-    : recordName_(recordName), rows_(rows) {
+    : recordName_(recordName), rows_(std::move(rows)) {
   for (const auto name : closingNames) rows_.push_back({"tl_end", name, &endBlock<Record>});
   for (std::size_t i = 0; i < rows_.size(); ++i) {
     const auto& row = rows_[i];
