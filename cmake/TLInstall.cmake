@@ -15,6 +15,14 @@ endif()
 configure_file(share/suite/settings.ini.in settings.ini @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
 
+# What an installation needs, without tests and benchmarks.
+add_custom_target(suite DEPENDS tltaskmgr tlctl)
+foreach(tool heatmesh velstraTurbo heatpicture tlfaketool)
+  if(TARGET ${tool})
+    add_dependencies(suite ${tool})
+  endif()
+endforeach()
+
 install(TARGETS tltaskmgr tlctl DESTINATION ${TL_BIN_DIR})
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
