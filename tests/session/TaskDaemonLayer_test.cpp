@@ -126,7 +126,7 @@ TEST_F(TaskDaemonLayerTest, logIsFollowedThroughGrowthCutAndReplacement) {
 
 TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   const fs::path record = directory_ / ("task-" + value("pid") + ".json");
-  std::ofstream(record) << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","steps":[
+  std::ofstream(record) << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
     {"name":"MESH","host":"node17","status":2,"started":1.5,"ended":63.25,"reason":""},
     {"name":"A \"b\" {c} é \\","host":"node18","status":4,"started":63,"ended":64,
      "reason":"killed by signal 9\nsee run.std"}]})";
@@ -136,6 +136,7 @@ TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   EXPECT_THAT(reports(), HasSubstr("has crashed on node18: killed by signal 9"));
   EXPECT_THAT(value(".header.what cget -text"), HasSubstr("2 steps: 1 finished, 1 crashed"));
   EXPECT_EQ(value("wm title ."), "wing – task");
+  EXPECT_EQ(value(".header.elapsed cget -text"), "0:01:04");
 }
 
 TEST_F(TaskDaemonLayerTest, confirmAnswersTheButton) {

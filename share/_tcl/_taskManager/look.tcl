@@ -86,8 +86,8 @@ namespace eval ::look {
     ttk::panedwindow .body.lower -orient horizontal
     reports .body.lower.reports
     log .body.lower.log
-    .body add .body.steps -weight 2
-    .body add .body.lower -weight 3
+    .body add .body.steps -weight 1
+    .body add .body.lower -weight 2
     .body.lower add .body.lower.reports -weight 3
     .body.lower add .body.lower.log -weight 2
     footer .footer
@@ -147,11 +147,11 @@ namespace eval ::look {
     variable colour
     set card [section $path "Steps"]
     ttk::treeview $card.list -columns {name state host started time reason} -show headings \
-        -selectmode browse -height 5 -yscrollcommand [list ::growingText::scrolled $card.y]
+        -selectmode browse -height 4 -yscrollcommand [list ::growingText::scrolled $card.y]
     ttk::scrollbar $card.y -orient vertical -command [list $card.list yview]
     foreach {column title width stretch} {
-      name Step 170 1 state State 110 0 host Host 160 0 started Started 80 0 time Time 80 0
-      reason "" 240 1
+      name Step 170 0 state State 110 0 host Host 160 0 started Started 80 0 time Time 80 0
+      reason "" 300 1
     } {
       $card.list heading $column -text $title -anchor w
       $card.list column $column -width $width -minwidth 60 -stretch $stretch -anchor w

@@ -165,6 +165,7 @@ namespace eval ::taskWindow {
   proc showProgress {state} {
     variable steps
     variable finished
+    variable started
     set total [llength $steps]
     array set count {waiting 0 running 0 finished 0 failed 0 crashed 0 stopped 0}
     foreach step $steps {
@@ -179,8 +180,12 @@ namespace eval ::taskWindow {
     set steps_ [expr {$total == 1 ? "1 step" : "$total steps"}]
     .header.what configure -text \
         "[dict get $state host]   \u00b7   $steps_: [join $parts {, }]"
+    set started [expr {int([dict get $state started])}]
     set finished [expr {$total > 0 && $ended == $total}]
     if {$finished} {
+      set last $started
+      foreach step $steps { set last [expr {max($last, [dict get $step ended])}] }
+      .header.elapsed configure -text [duration [expr {$last - $started}]]
       .footer.stop state disabled
       .footer.text configure -text "All steps have ended."
     }
