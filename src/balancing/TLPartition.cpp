@@ -165,6 +165,7 @@ bool TLPartition::placeAll() {
   std::vector<float> recorded(static_cast<std::size_t>(nbProcessors_), 0.0F);
   std::int32_t stalled = 0;
   nbPasses_ = 0;
+  passes_.clear();
   for (; !allAssigned(); ++nbPasses_) {
     if (nbPasses_ != 0 && nbPasses_ % 5 == 0) {
       TLTextSink line;
@@ -175,16 +176,24 @@ bool TLPartition::placeAll() {
                                       static_cast<double>(averageLoad_));
     auto order = numbersTo(nbProcessors_);
     sortByWeight(order, recorded);
+    const std::int32_t freeBefore = distribution_.nbFree();
     pass(order);
+    recordPass(freeBefore);
     for (std::int32_t p = 1; p <= nbProcessors_; ++p) {
       recorded[static_cast<std::size_t>(p - 1)] = distribution_.load(p);
     }
-    reachedTolerance_ = tolerance_;
+    const float before = tolerance_;
     tolerance_ += 0.01F;
-    if (tolerance_ > reachedTolerance_) continue;
+    if (tolerance_ > before) continue;
     if (stalled++ > nbBlocks()) return allAssigned();
   }
   return true;
+}
+
+void TLPartition::recordPass(std::int32_t freeBefore) {
+  constexpr std::size_t kMostRecorded = 1 << 16;
+  if (passes_.size() == kMostRecorded) passes_.pop_back();
+  passes_.push_back({tolerance_, maximumLoad_, freeBefore, distribution_.nbFree()});
 }
 
 void TLPartition::pass(const std::vector<std::int32_t>& order) {
@@ -326,15 +335,18 @@ double TLPartition::cut(std::int32_t processorA, std::int32_t processorB) const 
   return distribution_.cut(processorA, processorB);
 }
 
+std::span<const std::int32_t> TLPartition::blocks(std::int32_t processor) const {
+  if (!isProcessor(processor)) return {};
+  return distribution_.blocks(processor);
+}
+
 std::int32_t TLPartition::freeNeighbours(std::int32_t processor, std::vector<float>& scores,
                                          std::vector<std::int32_t>& ids) const {
   const auto n = static_cast<std::size_t>(nbBlocks());
   std::vector<float> sums(n, 0.0F);
   std::vector<std::int32_t> found(n, 0);
   std::int32_t count = 0;
-  const auto blocks =
-      isProcessor(processor) ? distribution_.blocks(processor) : std::span<const std::int32_t>();
-  for (const auto block : blocks) {
+  for (const auto block : blocks(processor)) {
     for (const auto& link : graph_.links(block)) {
       const auto at = static_cast<std::size_t>(link.id - 1);
       if (distribution_.owner(link.id) != 0) continue;
@@ -431,9 +443,7 @@ void TLPartition::report() const {
 
 void TLPartition::reportProcessor(TLTextSink& out, std::int32_t processor) const {
   out << "Load(" << processor << ")=" << load(processor) << '\n';
-  const auto blocks =
-      isProcessor(processor) ? distribution_.blocks(processor) : std::span<const std::int32_t>();
-  for (const auto block : blocks) {
+  for (const auto block : blocks(processor)) {
     out << block;
     if (distribution_.coupling(block, processor) == 0.0F) out << '!';
     out << ' ';

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <array>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "balancing/TLBlockMesh.h"
@@ -98,10 +98,19 @@ class TLPartition {
   std::int32_t partitioned() const { return partitioned_; }
   /// Texts of all adjustments of the number of processors.
   const RWCString& warnings() const { return warnings_; }
+  /// One pass of the last partition: its limits, and what became of the free blocks in it.
+  struct Pass {
+    float tolerance = 0.0F;
+    float maximumLoad = 0.0F;
+    std::int32_t freeBefore = 0;
+    std::int32_t freeAfter = 0;
+  };
+  /// The passes of the last partition, without those in the middle when there are very many.
+  const std::vector<Pass>& passes() const { return passes_; }
   /// Passes that the last partition took.
   std::int32_t nbPasses() const { return nbPasses_; }
-  /// Tolerance of the pass that placed the last block.
-  float reachedTolerance() const { return reachedTolerance_; }
+  /// Blocks of a processor in the order of their assignment; none for a number out of range.
+  std::span<const std::int32_t> blocks(std::int32_t processor) const;
   const TLPartitionGraph& graph() const { return graph_; }
 
  private:
@@ -125,6 +134,7 @@ class TLPartition {
 
   bool placeAll();
   void pass(const std::vector<std::int32_t>& order);
+  void recordPass(std::int32_t freeBefore);
   Turn visit(std::int32_t processor);
   bool grow(std::int32_t processor);
   Turn takeFarBlock(std::int32_t processor);
@@ -155,5 +165,5 @@ class TLPartition {
   std::int32_t firstFree_ = 0;           // no block is free at a position before this one
   bool hasNegativeLoad_ = false;
   std::int32_t nbPasses_ = 0;
-  float reachedTolerance_ = 0.0F;
+  std::vector<Pass> passes_;
 };

@@ -31,9 +31,9 @@ void TLPartitionGraph::addFaces(const TLBlockMesh& mesh, const TLCoarsening& coa
     const std::int32_t b = connection.block;
     const std::int32_t c = connection.neighbour;
     if (c <= b) continue;  // each pair is taken from the lower block's side
-    if (!exists(c)) {
-      console() << "TLPartition: block " << b << " is connected to block " << c
-                << ", which does not exist: connection left out\n";
+    if (!exists(b) || !exists(c)) {
+      console() << "TLPartition: a connection joins blocks " << b << " and " << c
+                << ", which do not both exist: left out\n";
       continue;
     }
     const float area = coarsening.area(connection.patch);

@@ -1,11 +1,14 @@
 #include "balancing/TLPartition.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <sstream>
 
 #include "balancing/PlainPartition.h"
 #include "balancing/RandomMesh.h"
+#include "balancing/TLMetisPartition.h"
+#include "balancing/TLPartitionVerifier.h"
 #include "platform/TLConsole.h"
 
 namespace {
@@ -122,7 +125,7 @@ TEST(TLPartition, LeavesOutConnectionsToBlocksThatDoNotExist) {
   const auto got = distributed(mesh, 2);
   EXPECT_TRUE(got.done);
   EXPECT_EQ(got.owners, (std::vector<int>{2, 1}));
-  EXPECT_NE(got.trace.find("block 1 is connected to block 7, which does not exist"),
+  EXPECT_NE(got.trace.find("a connection joins blocks 1 and 7, which do not both exist"),
             std::string::npos);
   EXPECT_NE(got.trace.find("joins blocks 1 and 9, which do not both exist"), std::string::npos);
 }
@@ -174,6 +177,10 @@ TEST(TLPartition, TracesWhatThePlainOneTraces) {
       continue;
     }
     ++finished;
+    const TLPartitionVerifier verifier(c.mesh, c.coarsening);
+    ASSERT_THAT(verifier.faults(fast, c.nbProcessors, c.tolerance, c.adjust, out.str()),
+                testing::IsEmpty())
+        << seed;
     plain.distribute();
     ASSERT_FALSE(plain.gaveUp) << seed;
     ASSERT_EQ(out.str(), plainOut.str()) << seed;
@@ -193,6 +200,44 @@ TEST(TLPartition, TracesWhatThePlainOneTraces) {
     }
   }
   EXPECT_GT(finished, 3000);
+}
+
+TEST(TLPartitionVerifier, FindsWhatIsWrong) {
+  const TLCoarsening coarsening;
+  auto mesh = equalBlocks(4);
+  connect(mesh, 1, 2);
+  std::ostringstream out;
+  const TLConsoleRedirect redirect(out);
+  TLPartition partition(mesh, coarsening, 2, 0, 0);
+  partition.distribute();
+  const TLPartitionVerifier verifier(mesh, coarsening);
+  EXPECT_THAT(verifier.faults(partition), testing::IsEmpty());
+  EXPECT_THAT(verifier.faults(partition, 2, 0, 0, "else"),
+              testing::ElementsAre("a second run on the same mesh gives another trace"));
+
+  auto other = mesh;
+  other.blocks[2].nodes[0] = 33;
+  EXPECT_THAT(TLPartitionVerifier(other, coarsening).faults(partition),
+              testing::ElementsAre(testing::HasSubstr("but its blocks have")));
+
+  partition.unassign(1);
+  partition.assign(1, partition.owner(2) == 1 ? 2 : 1);
+  EXPECT_THAT(verifier.faults(partition), testing::Contains(testing::HasSubstr("above the limit")));
+  partition.unassign(3);
+  EXPECT_THAT(verifier.faults(partition), testing::ElementsAre("block 3 is placed 0 times"));
+}
+
+TEST(TLMetisPartition, PlacesEveryBlock) {
+  for (unsigned seed = 1; seed <= 200; ++seed) {
+    const RandomMesh c(seed);
+    std::ostringstream out;
+    const TLConsoleRedirect redirect(out);
+    const TLPartitionGraph graph(c.mesh, c.coarsening);
+    const TLMetisPartition metis(graph, c.nbProcessors);
+    ASSERT_EQ(metis.owners().size(), c.mesh.blocks.size());
+    ASSERT_THAT(metis.owners(),
+                testing::Each(testing::AllOf(testing::Ge(1), testing::Le(c.nbProcessors))));
+  }
 }
 
 // The public operations under a random walk of assignments.
