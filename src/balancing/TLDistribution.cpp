@@ -5,9 +5,9 @@
 namespace {
 
 // Heap order: the better candidate is the one with the stronger coupling, then the lower number.
-bool worse(const TLDistribution::Candidate& a, const TLDistribution::Candidate& b) {
+constexpr auto worse = [](const TLDistribution::Candidate& a, const TLDistribution::Candidate& b) {
   return a.coupling != b.coupling ? a.coupling < b.coupling : a.block > b.block;
-}
+};
 
 }  // namespace
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <numeric>
 
 #include "platform/TLConsole.h"
 #include "textio/TLTextSink.h"
@@ -13,17 +12,18 @@ namespace {
 // More processors than any machine has: what is beyond comes from a damaged file.
 constexpr std::int32_t kMostProcessors = 1 << 20;
 
-// Heaviest first; equal values keep their order.
-void sortByWeight(std::vector<std::int32_t>& ids, const std::vector<float>& weightOfId) {
-  std::stable_sort(ids.begin(), ids.end(), [&](std::int32_t a, std::int32_t b) {
-    return weightOfId[static_cast<std::size_t>(a - 1)] >
-           weightOfId[static_cast<std::size_t>(b - 1)];
+// The numbers from 1 by their weight, heaviest first; equal ones keep their order.
+std::vector<std::int32_t> sortedByWeight(const std::vector<float>& weights) {
+  std::vector<std::pair<float, std::int32_t>> pairs;
+  pairs.reserve(weights.size());
+  std::int32_t number = 0;
+  for (const float weight : weights) pairs.emplace_back(weight, ++number);
+  std::sort(pairs.begin(), pairs.end(), [](const auto& a, const auto& b) {
+    return a.first != b.first ? a.first > b.first : a.second < b.second;
   });
-}
-
-std::vector<std::int32_t> numbersTo(std::int32_t last) {
-  std::vector<std::int32_t> numbers(static_cast<std::size_t>(last));
-  std::iota(numbers.begin(), numbers.end(), 1);
+  std::vector<std::int32_t> numbers;
+  numbers.reserve(pairs.size());
+  for (const auto& pair : pairs) numbers.push_back(pair.second);
   return numbers;
 }
 
@@ -84,8 +84,7 @@ void TLPartition::setLimits() {
 }
 
 void TLPartition::sortBlocks() {
-  sortedIds_ = numbersTo(nbBlocks());
-  sortByWeight(sortedIds_, graph_.loads());
+  sortedIds_ = sortedByWeight(graph_.loads());
   positions_.resize(sortedIds_.size());
   for (std::size_t i = 0; i < sortedIds_.size(); ++i) {
     positions_[static_cast<std::size_t>(sortedIds_[i] - 1)] = static_cast<std::int32_t>(i);
@@ -174,8 +173,7 @@ bool TLPartition::placeAll() {
     }
     maximumLoad_ = static_cast<float>((static_cast<double>(tolerance_) + 1.0) *
                                       static_cast<double>(averageLoad_));
-    auto order = numbersTo(nbProcessors_);
-    sortByWeight(order, recorded);
+    const auto order = sortedByWeight(recorded);
     const std::int32_t freeBefore = distribution_.nbFree();
     pass(order);
     recordPass(freeBefore);
@@ -356,8 +354,7 @@ std::int32_t TLPartition::freeNeighbours(std::int32_t processor, std::vector<flo
       ++count;
     }
   }
-  auto order = numbersTo(nbBlocks());
-  sortByWeight(order, sums);
+  const auto order = sortedByWeight(sums);
   scores.resize(n);
   ids.resize(n);
   for (std::size_t i = 0; i < n; ++i) {

@@ -13,6 +13,24 @@ struct TLPartitionGraph::Addition {
   bool single;
 };
 
+namespace {
+
+// A stable sort by neighbour. Nearly all lists are short.
+template <class Iterator>
+void sortByOther(Iterator begin, Iterator end) {
+  constexpr auto before = [](const auto& a, const auto& b) { return a.other < b.other; };
+  constexpr std::ptrdiff_t kShort = 24;
+  if (end - begin > kShort) {
+    std::stable_sort(begin, end, before);
+    return;
+  }
+  for (auto i = begin; i != end; ++i) {
+    std::rotate(std::upper_bound(begin, i, *i, before), i, i + 1);
+  }
+}
+
+}  // namespace
+
 TLPartitionGraph::TLPartitionGraph(const TLBlockMesh& mesh, const TLCoarsening& coarsening) {
   loads_.reserve(mesh.blocks.size());
   for (const auto& block : mesh.blocks) {
@@ -20,6 +38,7 @@ TLPartitionGraph::TLPartitionGraph(const TLBlockMesh& mesh, const TLCoarsening& 
     loads_.push_back(static_cast<float>(cells));
   }
   std::vector<Addition> additions;
+  additions.reserve(mesh.connections.size());
   addFaces(mesh, coarsening, additions);
   addFullNonMatching(mesh, coarsening, additions);
   fold(additions);
@@ -100,7 +119,7 @@ void TLPartitionGraph::fold(const std::vector<Addition>& additions) {
   for (std::size_t i = 0; i < n; ++i) {
     const auto begin = sorted.begin() + static_cast<std::ptrdiff_t>(start[i]);
     const auto end = sorted.begin() + static_cast<std::ptrdiff_t>(start[i + 1]);
-    std::stable_sort(begin, end, [](const auto& a, const auto& b) { return a.other < b.other; });
+    sortByOther(begin, end);
     for (auto a = begin; a != end; ++a) {
       if (links_.size() == first_[i] || links_.back().id != a->other) {
         links_.push_back({a->other, 0.0F});
