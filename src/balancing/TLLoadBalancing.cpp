@@ -2,6 +2,55 @@
 
 #include <algorithm>
 
+#include "balancing/TLGridMesh.h"
+#include "balancing/TLPartition.h"
+#include "parameters/TLParameters.h"
+#include "project/TLGrid.h"
+#include "project/TLOutputs.h"
+#include "project/TLProjectType.h"
+
+TLLoadBalancing::TLLoadBalancing() = default;
+TLLoadBalancing::TLLoadBalancing(const TLLoadBalancing& other) = default;
+TLLoadBalancing& TLLoadBalancing::operator=(const TLLoadBalancing& other) = default;
+TLLoadBalancing::~TLLoadBalancing() = default;
+
+// Distributing ---------------------------------------------------------------------------------
+
+TLCoarsening TLLoadBalancing::coarsening() const {
+  TLCoarsening coarsening;
+  coarsening.nbGridLevels = nbGridLevels;
+  coarsening.gridLevel = {gridLevelI, gridLevelJ, gridLevelK};
+  coarsening.multigrid = {multigridI, multigridJ, multigridK};
+  return coarsening;
+}
+
+std::int32_t TLLoadBalancing::nbProcessors() const {
+  return queuingSystemActivated != 0 ? nbQueuingSystemProcessor
+                                     : static_cast<std::int32_t>(processNames.size());
+}
+
+std::int32_t TLLoadBalancing::nbCells(std::int32_t block) const {
+  if (mesh == nullptr || block < 0 || static_cast<std::size_t>(block) >= mesh->blocks.size()) {
+    return 0;
+  }
+  const TLBlock& record = *mesh->blocks[static_cast<std::size_t>(block)];
+  if (mesh->projectType == TLProjectType::hexa) return record.nbCells;
+  return coarsening().nbCells(blockOf(record));
+}
+
+void TLLoadBalancing::balance() {
+  if (queuingSystemActivated == 0 || automaticLoadBalancing == 0 || mesh == nullptr) return;
+  TLPartition partition(blockMeshOf(*mesh), coarsening(), nbProcessors(), tolerance,
+                        adjustProcessors);
+  if (!partition.distribute()) return;
+  const std::size_t count = std::min(blockProcess.size(), mesh->blocks.size());
+  for (std::size_t i = 0; i < count; ++i) {
+    blockProcess[i] = partition.owner(static_cast<std::int32_t>(i + 1)) - 1;
+  }
+}
+
+// Processes ------------------------------------------------------------------------------------
+
 RWCString TLLoadBalancing::processName(std::int32_t index) const {
   if (index < 0 || static_cast<std::size_t>(index) >= processNames.size()) return "Undefined";
   return processNames[static_cast<std::size_t>(index)];

@@ -1,12 +1,22 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
+#include <string_view>
 #include <vector>
 
+#include "balancing/TLCoarsening.h"
+#include "textio/Handle.h"
 #include "textio/RWCString.h"
 #include "textio/RefCounted.h"
 #include "textio/TLTextSink.h"
 #include "textio/TLTextSource.h"
+
+class TLBlock;
+class TLGrid;
+class TLOutputs;
+class TLParameters;
+class TLProject;
 
 /// Says on which processes a step's parallel computation runs: the names of the processes, the
 /// process of each block, the queuing system to go through, and, for a design loop, the processes
@@ -17,10 +27,13 @@ class TLLoadBalancing : public RefCounted {
   /// One list of processes per design generation.
   using Generations = std::vector<std::vector<RWCString>>;
 
-  TLLoadBalancing() = default;
-  TLLoadBalancing(const TLLoadBalancing&) = default;
-  TLLoadBalancing& operator=(const TLLoadBalancing&) = default;
-  ~TLLoadBalancing() override = default;
+  /// Blocks that share processors, and these processors; all from 0.
+  using DistributionMap = std::map<std::vector<std::int32_t>, std::vector<std::int32_t>>;
+
+  TLLoadBalancing();
+  TLLoadBalancing(const TLLoadBalancing& other);
+  TLLoadBalancing& operator=(const TLLoadBalancing& other);
+  ~TLLoadBalancing() override;
 
   /// Copies all of `other`, the lists by element.
   virtual void assign(const TLLoadBalancing& other) { *this = other; }
@@ -33,6 +46,30 @@ class TLLoadBalancing : public RefCounted {
 
   /// Writes the lines of the block, without its markers.
   virtual void write(TLTextSink& stream) const;
+
+  /// @name Distributing
+  /// @{
+  /// Takes mesh, coarsening and settings from a project file (or a run file). For an unstructured
+  /// mesh also its map of partitions, as the mesh tool left it in the blocks' parameters, to which
+  /// the processes are fitted; the map is traced on the console. False when the file can't be
+  /// read; the record then is without mesh.
+  bool setup(const RWCString& projectFile);
+  /// The same from a project that has been read; false when it has no computation.
+  bool setup(const TLProject& project);
+  /// Distributes the blocks of the mesh over the processors of the queuing system, with the trace
+  /// of TLPartition on the console. Does nothing unless a queuing system and the automatic balance
+  /// are active and `setup` has found a mesh; a mesh that can't be distributed leaves the record
+  /// as it was.
+  void balance();
+  /// Weight of `block` (from 0) in the distribution: its cells over all grid levels. 0 without a
+  /// mesh, or for a block that it doesn't have.
+  std::int32_t nbCells(std::int32_t block) const;
+  /// How the computation coarsens the mesh.
+  TLCoarsening coarsening() const;
+  /// Processors to distribute over: those of the queuing system when it is active, else as many as
+  /// there are names.
+  std::int32_t nbProcessors() const;
+  /// @}
 
   /// @name Processes
   /// @{
@@ -84,6 +121,11 @@ class TLLoadBalancing : public RefCounted {
   std::vector<RWCString> processNames;     ///< Host or process name of each process.
   std::vector<std::int32_t> blockProcess;  ///< Process of each block.
 
+  /// Partitions of an unstructured mesh; only `setup` fills these three.
+  DistributionMap distributionMap;
+  std::vector<std::int32_t> ncell_;  ///< Cells of the partition on each processor,
+  std::vector<RWCString> partName_;  ///< and its name.
+
   std::vector<RWCString> designGenerations;  ///< Name of each design generation.
   Generations geomGeneration;
   Generations meshGeneration;
@@ -95,4 +137,11 @@ class TLLoadBalancing : public RefCounted {
 
  private:
   void removeLastQueuedProcess();
+  bool readPartitions();
+  void enterBlock(std::int32_t block, const std::vector<std::int32_t>& processors);
+  void namePartitions();
+  void splitBlock(std::int32_t block, std::size_t nbPartitions);
+  void mergeBlocks(const std::vector<std::int32_t>& blocks);
+  void addPartition(std::int32_t cells, const RWCString& name);
+  void fitProcesses();
 };
