@@ -95,6 +95,9 @@ class TLLoadBalancing : public RefCounted {
   std::int32_t multigridI = 1;    ///< Whether the direction coarsens with the level; J, K alike.
   std::int32_t multigridJ = 1;
   std::int32_t multigridK = 1;
+  Handle<TLGrid> mesh;  ///< Set by `setup`, as are the next two.
+  Handle<TLOutputs> outputs;
+  Handle<TLParameters> parameters;
   RWCString projectFile;        ///< The file that the distribution was set up from.
   float tolerance = 0.0F;       ///< Overload that the automatic balance allows at first.
   std::int32_t parallel = 0;    ///< 1 for a parallel run.
