@@ -42,11 +42,12 @@ void TLLoadBalancing::balance() {
   if (queuingSystemActivated == 0 || automaticLoadBalancing == 0 || mesh == nullptr) return;
   TLPartition partition(blockMeshOf(*mesh), coarsening(), nbProcessors(), tolerance,
                         adjustProcessors);
-  if (!partition.distribute()) return;
-  const std::size_t count = std::min(blockProcess.size(), mesh->blocks.size());
-  for (std::size_t i = 0; i < count; ++i) {
-    blockProcess[i] = partition.owner(static_cast<std::int32_t>(i + 1)) - 1;
-  }
+  if (partition.distribute()) takeOwners(partition.owners());
+}
+
+void TLLoadBalancing::takeOwners(const std::vector<std::int32_t>& owners) {
+  const std::size_t count = std::min(blockProcess.size(), owners.size());
+  for (std::size_t i = 0; i < count; ++i) blockProcess[i] = owners[i] - 1;
 }
 
 // Processes ------------------------------------------------------------------------------------

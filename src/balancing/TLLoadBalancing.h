@@ -61,6 +61,9 @@ class TLLoadBalancing : public RefCounted {
   /// are active and `setup` has found a mesh; a mesh that can't be distributed leaves the record
   /// as it was.
   void balance();
+  /// Puts the blocks where `owners` says: processors from 1, by block. Blocks that this record or
+  /// its mesh doesn't know are left out.
+  void takeOwners(const std::vector<std::int32_t>& owners);
   /// Weight of `block` (from 0) in the distribution: its cells over all grid levels. 0 without a
   /// mesh, or for a block that it doesn't have.
   std::int32_t nbCells(std::int32_t block) const;

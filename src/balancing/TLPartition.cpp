@@ -320,6 +320,14 @@ std::int32_t TLPartition::owner(std::int32_t block) const {
   return isBlock(block) ? distribution_.owner(block) : 0;
 }
 
+std::vector<std::int32_t> TLPartition::owners() const {
+  std::vector<std::int32_t> all;
+  for (std::int32_t block = 1; block <= nbBlocks(); ++block) {
+    all.push_back(distribution_.owner(block));
+  }
+  return all;
+}
+
 float TLPartition::load(std::int32_t processor) const {
   return isProcessor(processor) ? distribution_.load(processor) : 0.0F;
 }

@@ -60,6 +60,8 @@ class TLPartition {
   /// Numbers out of range answer 0.
   /// @{
   std::int32_t owner(std::int32_t block) const;
+  /// The owners of all blocks, by block.
+  std::vector<std::int32_t> owners() const;
   float load(std::int32_t processor) const;
   float coupling(std::int32_t block, std::int32_t processor) const;
   double cut(std::int32_t processorA, std::int32_t processorB) const;

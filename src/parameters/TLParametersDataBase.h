@@ -23,11 +23,15 @@ class TLParametersDataBase : public TLParameters {
 
   /// Path of the definition file.
   static RWCString definitionPath();
+  /// Lets this process, which only looks at files, do without a definition file: when there is no
+  /// good one, the database is empty. To be called before the first use.
+  static void doWithout();
   /// What keeps the definition file from being read: the file and what to do about it. Empty when
   /// it is good. For whoever must not wait.
   static RWCString problem();
 
  private:
+  static bool mayDoWithout_;
   enum class Kind { generic, skipped, named };
   Kind classify(std::string_view descriptor) const;
 };

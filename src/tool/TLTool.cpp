@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "messaging/TLVirtualMachine.h"
+#include "tool/TLBalanceCommand.h"
 #include "tool/TLCommands.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLFileReport.h"
@@ -34,7 +35,8 @@ std::string exampleText(const TLCommand& command) {
 
 std::vector<TLCommand> allCommands() {
   std::vector<TLCommand> commands;
-  for (const auto group : {runCommands, controlCommands, fileCommands, planCommands}) {
+  for (const auto group :
+       {runCommands, controlCommands, fileCommands, planCommands, balanceCommands}) {
     for (auto& command : group()) commands.push_back(std::move(command));
   }
   return commands;
