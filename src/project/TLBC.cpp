@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "parameters/TLBCDataBase.h"
 #include "project/TLChildKeys.h"
 #include "project/TLIntegerLine.h"
 #include "textio/TLKeyTable.h"
@@ -66,17 +65,6 @@ struct TLBCFormat {
     record.controlSurfaceNames.push_back(std::move(text));
     return TLKeyResult::next;
   }
-  static TLKeyResult readParameters(R& record, TLKeyContext& context) {
-    auto parameters = makeHandle<TLBCParameters>();
-    if (parameters->read(context.source) == 0) return TLKeyResult::failed;
-    constexpr double kFirstOfDefinitions = 1.1;
-    if (parameters->version < kFirstOfDefinitions) {
-      parameters = TLBCDataBase::instance().inLine(parameters);
-    }
-    record.parameters = std::move(parameters);
-    return TLKeyResult::next;
-  }
-
   static const TLKeyTable<R>& table() {
     static const TLKeyTable<R> keys(
         "boundary_condition",
@@ -108,7 +96,7 @@ struct TLBCFormat {
                                                            "            DEFORMATION_TYPE        "),
             valueKey<&R::modalStructureIndex, &T::readInteger>(
                 "modal_structure_index", modal, "            MODAL_STRUCTURE_INDEX   "),
-            {"tl_begin", "bc_parameters", &readParameters},
+            childKey<&R::parameters>("bc_parameters"),
             childKey<&R::initialSolutionTurbo>("initial_solution_turbo"),
             childKey<&R::injectionSector>("injection_sector"),
             {"tl_begin", "", &skipBlock<R>},

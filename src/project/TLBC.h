@@ -57,7 +57,7 @@ class TLBC : public RefCounted {
   RWCString condition;  ///< read, never written
   RWCString lagrangianGroupName;
   RWCString couplingName;
-  Handle<TLBCParameters> parameters;  ///< of the computation's list, or read here (old files)
+  Handle<TLBCParameters> parameters;  ///< of the computation's list; while reading: own
   Handle<TLInitSolTurbo> initialSolutionTurbo;
   Handle<TLInjectionSector> injectionSector;  ///< read, never written
   std::vector<std::int32_t> controlSurfaces;

@@ -1,5 +1,7 @@
 #include "project/TLGrid.h"
 
+#include <utility>
+
 #include "project/TLChildKeys.h"
 #include "textio/TLKeyTable.h"
 
@@ -98,10 +100,18 @@ TLBC* TLGrid::patch(std::int32_t blockNumber, std::int32_t faceNumber, std::int3
   return owner == nullptr ? nullptr : element(owner->conditions, patch);
 }
 
+void TLGrid::moveParametersTo(std::vector<Handle<TLBCParameters>>& list) {
+  forEachCondition([&list](TLBC& condition) {
+    if (!condition.parameters) return;
+    condition.bcParametersIndex = static_cast<std::int32_t>(list.size());
+    list.push_back(std::move(condition.parameters));
+  });
+}
+
 void TLGrid::linkParameters(const std::vector<Handle<TLBCParameters>>& list) {
   forEachCondition([&list](TLBC& condition) {
     const auto index = static_cast<std::size_t>(condition.bcParametersIndex);
-    if (!condition.parameters && condition.bcParametersIndex >= 0 && index < list.size()) {
+    if (condition.bcParametersIndex >= 0 && index < list.size()) {
       condition.parameters = list[index];
     }
     condition.settleControlSurfaceNames();

@@ -30,8 +30,12 @@ class TLGrid : public RefCounted {
   TLFace* face(std::int32_t block, std::int32_t face) const;
   TLBC* patch(std::int32_t block, std::int32_t face, std::int32_t patch) const;
 
-  /// Points each condition without an own condition record at its computation's, by index, and
-  /// settles what depends on it. Indices outside `list` stay without.
+  /// Moves the records that conditions brought along (old files) to the end of the computation's
+  /// `list`, since conditions are written with an index only.
+  void moveParametersTo(std::vector<Handle<TLBCParameters>>& list);
+
+  /// Points each condition at its record in the computation's `list`, by index, and settles what
+  /// depends on it. Indices outside the list stay without.
   void linkParameters(const std::vector<Handle<TLBCParameters>>& list);
 
   /// Calls `visit(TLBC&)` for every condition, in the order of the file.

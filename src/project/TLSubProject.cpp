@@ -473,6 +473,7 @@ void TLSubProject::finishRead() {
     parameters->init();
   }
   parameters->virtualPartitionActivated = virtualPartition.isActivated() ? 1 : 0;
+  grid->moveParametersTo(bcParameters);
   if (usesDefinitions) bringConditionsInLine();
   grid->linkParameters(bcParameters);
   convertComputation(*this);

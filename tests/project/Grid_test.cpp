@@ -129,20 +129,27 @@ TEST(Grid, LinksConditionsToTheComputationsRecords) {
   const std::string condition =
       "TL_BEGIN boundary_condition\nTYPE INL\nINDICES 1 2 1 2\ncontrol_surface 5\n";
   const std::string end = "TL_END boundary_condition\n";
-  ASSERT_EQ(readText(record, "TL_BEGIN block\nTL_BEGIN face\n" + condition +
-                                 "bc_parameters_index 1\n" + end + condition + end + condition +
-                                 "bc_parameters_index 2\n" + end + "TL_END face\nTL_END block\n")
-                .result,
-            1);
+  ASSERT_EQ(
+      readText(record, "TL_BEGIN block\nTL_BEGIN face\n" + condition + "bc_parameters_index 1\n" +
+                           end + condition + end + condition + "bc_parameters_index 9\n" + end +
+                           condition + "TL_BEGIN bc_parameters\nTYPE_ID 7\nTL_END bc_parameters\n" +
+                           end + "TL_END face\nTL_END block\n")
+          .result,
+      1);
   std::vector<Handle<TLBCParameters>> list{makeHandle<TLBCParameters>(),
                                            makeHandle<TLBCParameters>()};
   list[1]->typeId = 28;
+  record.moveParametersTo(list);
   record.linkParameters(list);
   const auto& conditions = record.blocks[0]->faces[0]->conditions;
   EXPECT_EQ(conditions[0]->parameters, list[1]);
   EXPECT_EQ(conditions[0]->controlSurfaceNames, std::vector<RWCString>{"inlet_4"});
   EXPECT_FALSE(conditions[1]->parameters);
   EXPECT_FALSE(conditions[2]->parameters);
+  // An own record joins the list.
+  ASSERT_EQ(list.size(), 3U);
+  EXPECT_EQ(list[2]->typeId, 7);
+  EXPECT_EQ(conditions[3]->bcParametersIndex, 2);
 }
 
 TEST(Grid, AFaultBelowEndsTheRead) {
