@@ -68,6 +68,7 @@ int TLUnitsDataBase::read(TLTextSource& source) {
           valueKey<&B::newProjectDefaultSystem, &TLTokenReader::readStrings>(
               "new_project_default_system"),
           {"tl_begin", "units_record", &readRecord},
+          {"tl_begin", "units_database", &passOver},
           {"tl_begin", "", &skipBlock<B>},
       },
       {"units_database"});
