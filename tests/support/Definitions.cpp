@@ -21,7 +21,6 @@ constexpr const char* kParameters =
     "IACOUS,I,1,1,0\n7\n";
 
 constexpr const char* kUnits =
-    "TL_BEGIN units_database\n"
     "  VERSION 1.0\n"
     "  DEFAULT_SYSTEM SI\n"
     "  TL_BEGIN units_record\n"
