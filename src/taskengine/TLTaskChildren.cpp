@@ -4,6 +4,8 @@
 
 #include "launching/TLCommands.h"
 #include "launching/TLProgramNames.h"
+#include "messaging/TLVirtualMachine.h"
+#include "platform/TLConsole.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLMessageItems.h"
 #include "taskengine/TLReports.h"
@@ -64,6 +66,17 @@ void TLTaskChildren::superviseOnce() {
     return;
   }
   readMessages();
+  watchVirtualMachine();
+}
+
+void TLTaskChildren::watchVirtualMachine() {
+  const bool enrolled = TL_virtual_machine_mytid() > 0;
+  if (enrolled_ && !enrolled) {
+    const RWCString text = "The virtual machine of this host is gone: nothing can be heard or told";
+    console() << text << '\n' << std::flush;
+    reportPhrase(text);
+  }
+  enrolled_ = enrolled;
 }
 
 bool TLTaskChildren::isEndedMarineTask() const {

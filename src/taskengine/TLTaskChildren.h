@@ -29,6 +29,9 @@ class TLTaskChildren : public TLTask {
  private:
   bool isEndedMarineTask() const;
   void readMessages();
+  /// Says once that the virtual machine is gone, which the calls to it don't tell apart from
+  /// silence. A process that never joined one isn't told.
+  void watchVirtualMachine();
 
   /// The end of a step that ran when the cycle's walk came to it.
   void checkEndedInCycle(TLSubTask& step, std::int32_t position);
@@ -60,4 +63,6 @@ class TLTaskChildren : public TLTask {
   void addParentEverywhere(std::int32_t tid);
   /// Asks the processes of `step` to end, or touches the stop file of `stopFileOf` for its job.
   static void suspend(const TLSubTask& step, TLSubTask& stopFileOf);
+
+  bool enrolled_ = false;  ///< as the last cycle found it
 };
