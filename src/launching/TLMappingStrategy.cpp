@@ -1,24 +1,17 @@
 #include "launching/TLMappingStrategy.h"
 
+#include "launching/TLRemPathMapping.h"
+
 namespace {
+TLMappingStrategy* gOther = nullptr;
+}
 
-class SamePaths : public TLMappingStrategy {
- public:
-  bool mapPath(const RWCString& path, const RWCString& /*hostName*/, RWCString& result) override {
-    result = path;
-    return false;
-  }
-};
-
-TLMappingStrategy* gStrategy = nullptr;
-
-}  // namespace
-
-TLMappingStrategy& mappingStrategy() {
-  static SamePaths samePaths;
-  return gStrategy == nullptr ? samePaths : *gStrategy;
+TLMappingStrategy& gMappingStrategy() {
+  if (gOther != nullptr) return *gOther;
+  static TLRemPathMapping mapping("remote paths.txt");
+  return mapping;
 }
 
 void setMappingStrategy(TLMappingStrategy* strategy) {
-  gStrategy = strategy;
+  gOther = strategy;
 }

@@ -12,8 +12,9 @@ class TLMappingStrategy {
   virtual bool mapPath(const RWCString& path, const RWCString& hostName, RWCString& result) = 0;
 };
 
-/// The one strategy of the process; before one is set, one that maps nothing.
-TLMappingStrategy& mappingStrategy();
+/// The one strategy of the process: unless another is set, a TLRemPathMapping with files named
+/// "remote paths.txt", made at first use.
+TLMappingStrategy& gMappingStrategy();
 
-/// Sets it. Not owned, must outlive its use; null for the one that maps nothing.
+/// Sets another one. Not owned, must outlive its use; null for the usual one.
 void setMappingStrategy(TLMappingStrategy* strategy);

@@ -72,7 +72,7 @@ class MarineLaunch {
   }
 
   void finishArguments() {
-    if (!finishMarineArguments(draft_, place_, mappingStrategy())) {
+    if (!finishMarineArguments(draft_, place_, gMappingStrategy())) {
       console() << " Cannot perform for such a kind of sub-tasks\n" << std::flush;
     }
     step_.executable = draft_.executable;

@@ -1,6 +1,7 @@
 #include "launching/TLTransfer.h"
 
 #include "launching/TLComposition.h"
+#include "messaging/TLVirtualMachine.h"
 #include "taskengine/TLSubTask.h"
 
 namespace {
@@ -17,7 +18,10 @@ class NoTransfer : public TLTransfer {
   int removeRemoteResults(TLSubTask& /*step*/) override { return 1; }
 
  private:
-  static int refused(const TLSubTask& step) { return hasMarkedFile(step.spawnArguments) ? 1 : 0; }
+  static int refused(const TLSubTask& step) {
+    const bool here = step.hostName == ownHostName();
+    return !here && hasMarkedFile(step.spawnArguments) ? 1 : 0;
+  }
 };
 
 TLTransfer* gTransfer = nullptr;

@@ -8,6 +8,7 @@
 
 #include "launching/TLLaunchPlan.h"
 #include "launching/TLLaunching.h"
+#include "launching/TLRemPathMapping.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
@@ -118,11 +119,12 @@ int planTask(const PlanOptions& options) {
   const HostKinds kinds(machine);
   TLLaunchSite site = launchSite();
   site.tid = kDaemonTid;
+  TLRemPathMapping mapping("remote paths.txt", false);
   Json steps = Json::array();
   const auto& subTasks = file.task().subTasks;
   for (std::size_t i = 0; i < subTasks.size(); ++i) {
     TLLaunchPlan plan = planLaunch(*subTasks[i], kinds.isWin32(subTasks[i]->hostName), site,
-                                   &readRunFileFacts, mappingStrategy());
+                                   &readRunFileFacts, mapping);
     if (!kinds.known()) plan.notes.emplace_back("no virtual machine: the kind of host is assumed");
     if (options.json) {
       steps.push_back(planJson(*subTasks[i], i, plan));

@@ -40,7 +40,7 @@ class Launches : public TLaunchFixture {
     arguments(launch.arguments);
     launch.change(*step);
     const TLLaunchPlan plan = planLaunch(*step, hostIsWin32(step->hostName) != 0, launchSite(),
-                                         &readRunFileFacts, mappingStrategy());
+                                         &readRunFileFacts, gMappingStrategy());
     EXPECT_EQ(launching().startStep(*step), 0);
     EXPECT_EQ(started(), launch.expected);
     EXPECT_EQ(plan.program + " on " + plan.host, recordedSpawn());
