@@ -79,7 +79,7 @@ float TLDistribution::addCoupling(std::int32_t block, std::int32_t processor, fl
 }
 
 void TLDistribution::recomputeCoupling(std::int32_t block, std::int32_t processor) {
-  std::vector<std::pair<std::size_t, float>> terms;  // place in the processor's list, weight
+  std::vector<std::pair<std::uint32_t, float>> terms;  // place in the processor's list, weight
   for (const auto& link : graph_.links(block)) {
     if (owner(link.id) == processor) terms.emplace_back(places_[index(link.id)], link.weight);
   }
@@ -98,7 +98,7 @@ void TLDistribution::recomputeCoupling(std::int32_t block, std::int32_t processo
 
 double TLDistribution::cut(std::int32_t a, std::int32_t b) const {
   double sum = 0.0;
-  std::vector<std::pair<std::size_t, float>> terms;  // place in b's list, weight
+  std::vector<std::pair<std::uint32_t, float>> terms;  // place in b's list, weight
   for (const auto block : blocks(a)) {
     terms.clear();
     for (const auto& link : graph_.links(block)) {
@@ -115,7 +115,7 @@ double TLDistribution::cut(std::int32_t a, std::int32_t b) const {
 void TLDistribution::assign(std::int32_t block, std::int32_t processor) {
   auto& list = processors_[index(processor)];
   const float before = list.sums.empty() ? 0.0F : list.sums.back();
-  places_[index(block)] = list.blocks.size();
+  places_[index(block)] = static_cast<std::uint32_t>(list.blocks.size());
   list.blocks.push_back(block);
   list.sums.push_back(before + graph_.load(block));
   owners_[index(block)] = processor;
@@ -153,7 +153,7 @@ void TLDistribution::settleLoad(std::int32_t processor) {
     sum += graph_.load(block);
     list.blocks[to] = block;
     list.sums[to] = sum;
-    places_[index(block)] = to++;
+    places_[index(block)] = static_cast<std::uint32_t>(to++);
   }
   list.blocks.resize(to);
   list.sums.resize(to);

@@ -102,7 +102,7 @@ class TLDistribution {
   const TLPartitionGraph& graph_;
   std::vector<Processor> processors_;
   std::vector<std::int32_t> owners_;
-  std::vector<std::size_t> places_;  // in the owner's list
+  std::vector<std::uint32_t> places_;  // in the owner's list
   std::vector<Coupling> couplings_;  // of a block: from its first link on, as many as nbCouplings_
   std::vector<std::int32_t> nbCouplings_;
   std::vector<std::pair<std::int32_t, std::int32_t>> detached_;  // block, former processor

@@ -4,28 +4,39 @@
 
 #include "platform/TLConsole.h"
 
-/// Something that an edge gains, at one of its ends. Matching faces add in single precision, full
-/// non-matching connections in double precision; the order of additions is part of the result.
+/// A connection of matching faces, which both ends gain in single precision.
+struct TLPartitionGraph::Face {
+  std::int32_t block;
+  std::int32_t other;
+  float area;
+};
+
+/// What one end of an edge gains, in double precision, by a full non-matching connection.
 struct TLPartitionGraph::Addition {
   std::int32_t block;
   std::int32_t other;
   double weight;
-  bool single;
 };
 
 namespace {
 
-// A stable sort by neighbour. Nearly all lists are short.
-template <class Iterator>
-void sortByOther(Iterator begin, Iterator end) {
-  constexpr auto before = [](const auto& a, const auto& b) { return a.other < b.other; };
+constexpr auto byOther = [](const TLPartitionLink& a, const TLPartitionLink& b) {
+  return a.id < b.id;
+};
+
+// A stable sort by neighbour: what one edge gains stays in its order, which is part of the result.
+// Nearly all lists are short.
+void sortByOther(TLPartitionLink* begin, TLPartitionLink* end) {
   constexpr std::ptrdiff_t kShort = 24;
   if (end - begin > kShort) {
-    std::stable_sort(begin, end, before);
+    std::stable_sort(begin, end, byOther);
     return;
   }
-  for (auto i = begin; i != end; ++i) {
-    std::rotate(std::upper_bound(begin, i, *i, before), i, i + 1);
+  for (auto* i = begin; i != end; ++i) {
+    auto* place = i;
+    const TLPartitionLink link = *i;
+    for (; place != begin && link.id < place[-1].id; --place) *place = place[-1];
+    *place = link;
   }
 }
 
@@ -37,15 +48,14 @@ TLPartitionGraph::TLPartitionGraph(const TLBlockMesh& mesh, const TLCoarsening& 
     const std::int32_t cells = mesh.unstructured ? block.nbCells : coarsening.nbCells(block);
     loads_.push_back(static_cast<float>(cells));
   }
-  std::vector<Addition> additions;
-  additions.reserve(mesh.connections.size());
-  addFaces(mesh, coarsening, additions);
-  addFullNonMatching(mesh, coarsening, additions);
-  fold(additions);
+  linkFaces(facesOf(mesh, coarsening));
+  linkFullNonMatching(fullNonMatchingOf(mesh, coarsening));
 }
 
-void TLPartitionGraph::addFaces(const TLBlockMesh& mesh, const TLCoarsening& coarsening,
-                                std::vector<Addition>& additions) const {
+std::vector<TLPartitionGraph::Face> TLPartitionGraph::facesOf(
+    const TLBlockMesh& mesh, const TLCoarsening& coarsening) const {
+  std::vector<Face> faces;
+  faces.reserve(mesh.connections.size() / 2);
   for (const auto& connection : mesh.connections) {
     const std::int32_t b = connection.block;
     const std::int32_t c = connection.neighbour;
@@ -57,13 +67,14 @@ void TLPartitionGraph::addFaces(const TLBlockMesh& mesh, const TLCoarsening& coa
     }
     const float area = coarsening.area(connection.patch);
     if (area == 0.0F) continue;
-    additions.push_back({b, c, area, true});
-    additions.push_back({c, b, area, true});
+    faces.push_back({b, c, area});
   }
+  return faces;
 }
 
-void TLPartitionGraph::addFullNonMatching(const TLBlockMesh& mesh, const TLCoarsening& coarsening,
-                                          std::vector<Addition>& additions) const {
+std::vector<TLPartitionGraph::Addition> TLPartitionGraph::fullNonMatchingOf(
+    const TLBlockMesh& mesh, const TLCoarsening& coarsening) const {
+  std::vector<Addition> additions;
   auto& out = console();
   out << "TLPartition Calculates FNMB " << mesh.fullNonMatching.size() << '\n';
   for (std::size_t i = 0; i < mesh.fullNonMatching.size(); ++i) {
@@ -85,6 +96,7 @@ void TLPartitionGraph::addFullNonMatching(const TLBlockMesh& mesh, const TLCoars
            additions);
   }
   out << "FNMB done\n";
+  return additions;
 }
 
 void TLPartitionGraph::addHub(const TLBlockMesh::FullNonMatching& connection, double weight,
@@ -96,39 +108,74 @@ void TLPartitionGraph::addHub(const TLBlockMesh::FullNonMatching& connection, do
                 << block << ", which do not both exist: left out\n";
       return;
     }
-    additions.push_back({hub, block, weight, false});
-    additions.push_back({block, hub, weight, false});
+    additions.push_back({hub, block, weight});
+    additions.push_back({block, hub, weight});
   };
   for (std::size_t i = 1; i < connection.left.size(); ++i) add(connection.left[i].block);
   for (const auto& side : connection.right) add(side.block);
 }
 
-void TLPartitionGraph::fold(const std::vector<Addition>& additions) {
-  // A counting sort by block, then for each block a stable sort by neighbour: the additions to one
-  // edge stay in their order.
+void TLPartitionGraph::linkFaces(const std::vector<Face>& faces) {
   const std::size_t n = loads_.size();
-  std::vector<std::size_t> start(n + 1, 0);
-  for (const auto& a : additions) ++start[static_cast<std::size_t>(a.block)];
-  for (std::size_t i = 0; i < n; ++i) start[i + 1] += start[i];
-  std::vector<Addition> sorted(additions.size());
-  auto place = start;
-  for (const auto& a : additions) sorted[place[static_cast<std::size_t>(a.block - 1)]++] = a;
-
+  std::vector<std::size_t> end(n + 1, 0);  // at first the number, then the place behind the last
+  for (const auto& face : faces) {
+    ++end[static_cast<std::size_t>(face.block)];
+    ++end[static_cast<std::size_t>(face.other)];
+  }
+  for (std::size_t i = 0; i < n; ++i) end[i + 1] += end[i];
+  links_.resize(end[n]);
+  for (const auto& face : faces) {
+    links_[end[static_cast<std::size_t>(face.block - 1)]++] = {face.other, face.area};
+    links_[end[static_cast<std::size_t>(face.other - 1)]++] = {face.block, face.area};
+  }
   first_.assign(n + 1, 0);
-  links_.reserve(additions.size());
+  std::size_t to = 0;
+  std::size_t from = 0;
   for (std::size_t i = 0; i < n; ++i) {
-    const auto begin = sorted.begin() + static_cast<std::ptrdiff_t>(start[i]);
-    const auto end = sorted.begin() + static_cast<std::ptrdiff_t>(start[i + 1]);
-    sortByOther(begin, end);
-    for (auto a = begin; a != end; ++a) {
-      if (links_.size() == first_[i] || links_.back().id != a->other) {
-        links_.push_back({a->other, 0.0F});
+    sortByOther(links_.data() + from, links_.data() + end[i]);
+    for (; from < end[i]; ++from) {
+      if (to > first_[i] && links_[to - 1].id == links_[from].id) {
+        links_[to - 1].weight += links_[from].weight;
+      } else {
+        links_[to++] = links_[from];
       }
-      float& weight = links_.back().weight;
-      weight = a->single ? weight + static_cast<float>(a->weight)
-                         : static_cast<float>(static_cast<double>(weight) + a->weight);
     }
-    first_[i + 1] = links_.size();
+    first_[i + 1] = to;
+  }
+  links_.resize(to);
+}
+
+// Full non-matching connections come after all faces, so that what they add is the end of each sum.
+void TLPartitionGraph::linkFullNonMatching(std::vector<Addition> additions) {
+  if (additions.empty()) return;
+  std::stable_sort(additions.begin(), additions.end(), [](const auto& a, const auto& b) {
+    return a.block != b.block ? a.block < b.block : a.other < b.other;
+  });
+  const auto before = std::move(links_);
+  const auto firstBefore = std::move(first_);
+  links_.clear();
+  links_.reserve(before.size() + additions.size());
+  first_.assign(loads_.size() + 1, 0);
+  auto addition = additions.begin();
+  const auto addUpTo = [&](std::int32_t block, std::int32_t other) {
+    for (; addition != additions.end() && addition->block == block && addition->other <= other;
+         ++addition) {
+      const bool known = links_.size() > first_[static_cast<std::size_t>(block - 1)] &&
+                         links_.back().id == addition->other;
+      if (!known) links_.push_back({addition->other, 0.0F});
+      float& weight = links_.back().weight;
+      weight = static_cast<float>(static_cast<double>(weight) + addition->weight);
+    }
+  };
+  for (std::int32_t block = 1; block <= nbBlocks(); ++block) {
+    const auto at = static_cast<std::size_t>(block - 1);
+    for (std::size_t i = firstBefore[at]; i < firstBefore[at + 1]; ++i) {
+      addUpTo(block, before[i].id - 1);
+      links_.push_back(before[i]);
+      addUpTo(block, before[i].id);
+    }
+    addUpTo(block, nbBlocks());
+    first_[at + 1] = links_.size();
   }
 }
 

@@ -45,14 +45,15 @@ class TLPartitionGraph {
   bool hasNegativeLink() const;
 
  private:
+  struct Face;
   struct Addition;
-  void addFaces(const TLBlockMesh& mesh, const TLCoarsening& coarsening,
-                std::vector<Addition>& additions) const;
-  void addFullNonMatching(const TLBlockMesh& mesh, const TLCoarsening& coarsening,
-                          std::vector<Addition>& additions) const;
+  std::vector<Face> facesOf(const TLBlockMesh& mesh, const TLCoarsening& coarsening) const;
+  std::vector<Addition> fullNonMatchingOf(const TLBlockMesh& mesh,
+                                          const TLCoarsening& coarsening) const;
   void addHub(const TLBlockMesh::FullNonMatching& connection, double weight,
               std::vector<Addition>& additions) const;
-  void fold(const std::vector<Addition>& additions);
+  void linkFaces(const std::vector<Face>& faces);
+  void linkFullNonMatching(std::vector<Addition> additions);
   bool exists(std::int32_t block) const { return block >= 1 && block <= nbBlocks(); }
 
   std::vector<float> loads_;
