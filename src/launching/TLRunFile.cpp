@@ -101,6 +101,12 @@ class ProjectRunFile : public TLRunFile {
     return first() == nullptr ? 0 : static_cast<std::int32_t>(first()->grid->blocks.size());
   }
 
+  void balance(TLLoadBalancing& balancing) override {
+    balancing.projectFile = path_;
+    if (first() == nullptr || !balancing.setup(*project_)) return;
+    balancing.balance();
+  }
+
   void setProcesses(const std::function<std::int32_t(std::int32_t)>& processOfBlock) override {
     for (std::int32_t i = 0; i < blockCount(); ++i) {
       std::int32_t& process = first()->grid->blocks[i]->processId;

@@ -23,6 +23,8 @@ class TLRunFile {
   virtual void setTaskCount(std::int32_t count) = 0;      ///< solver parameter NTASK
   virtual void setCommunication(std::int32_t value) = 0;  ///< solver parameter ICOMP
   virtual std::int32_t blockCount() const = 0;
+  /// Has the blocks distributed anew over the processes of `balancing`.
+  virtual void balance(TLLoadBalancing& balancing) = 0;
   /// Each block's process number by its position from 0.
   virtual void setProcesses(const std::function<std::int32_t(std::int32_t)>& processOfBlock) = 0;
   virtual void setMemory(std::int64_t integerSize, std::int64_t realSize) = 0;

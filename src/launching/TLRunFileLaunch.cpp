@@ -33,6 +33,7 @@ void distribute(TLRunFile& file, TLSubTask& step) {
       distributionOf(balancing, step.virtualPartition.nbTasks(), file.blockCount());
   file.setTaskCount(distribution.taskCount);
   file.setCommunication(distribution.communication);
+  if (distribution.balance) file.balance(balancing);
   if (!distribution.processes) return;
   file.setProcesses([&](std::int32_t block) { return balancing.processOfBlock(block) + 1; });
 }

@@ -4,6 +4,7 @@
 #include <sstream>
 
 #include "launching/TLLaunchPlan.h"
+#include "launching/TLRunFileLaunch.h"
 #include "platform/TLConsole.h"
 
 namespace {
@@ -333,6 +334,23 @@ TEST_F(TLaunchFixture, RunFileGetsTheDistribution) {
   EXPECT_THAT(calls(), testing::Contains("NTASK 7"));
   runFileDouble().facts.projectType = 2;
   EXPECT_THAT(calls(), ElementsAre("read /p/a.run"));
+}
+
+TEST_F(TLaunchFixture, QueuedRunFilesGetTheProcessorsOfTheQueue) {
+  const auto distribution = [](std::int32_t parallel, std::int32_t processors, int automatic) {
+    TLLoadBalancing balancing;
+    balancing.queuingSystemActivated = 1;
+    balancing.parallel = parallel;
+    balancing.nbQueuingSystemProcessor = processors;
+    balancing.automaticLoadBalancing = automatic;
+    const auto found = distributionOf(balancing, 9, 5);
+    return std::to_string(found.taskCount) + (found.communication == 2 ? " communicating" : "") +
+           (found.balance ? " balanced" : "") + (found.processes ? " distributed" : "");
+  };
+  EXPECT_EQ(distribution(1, 4, 1), "4 communicating balanced distributed");
+  EXPECT_EQ(distribution(1, 4, 0), "4 communicating distributed");
+  EXPECT_EQ(distribution(0, 4, 1), "4 communicating");
+  EXPECT_EQ(distribution(1, 1, 1), "1");
 }
 
 TEST_F(TLaunchFixture, UnreadableRunFileIsKept) {

@@ -11,6 +11,7 @@ class Double : public TLRunFile {
   void setTaskCount(std::int32_t count) override { note("NTASK " + std::to_string(count)); }
   void setCommunication(std::int32_t value) override { note("ICOMP " + std::to_string(value)); }
   std::int32_t blockCount() const override { return runFileDouble().blocks; }
+  void balance(TLLoadBalancing& /*balancing*/) override { note("balance"); }
   void setProcesses(const std::function<std::int32_t(std::int32_t)>& processOfBlock) override {
     std::string text = "processes";
     for (std::int32_t i = 0; i < runFileDouble().blocks; ++i) {
