@@ -21,9 +21,10 @@ constexpr const char* kCondensableFluid = "Condensable Fluid";
 
 // When a step is due --------------------------------------------------------------------------
 
-template <auto Limit>
+// The limit in thousandths: a real can't be a template's argument with every compiler.
+template <int Thousandths>
 bool isBelow(const TLSubProject& computation) {
-  return computation.version < Limit;
+  return computation.version < Thousandths / 1000.0;
 }
 
 bool always(const TLSubProject& /*computation*/) {
@@ -372,10 +373,10 @@ void takeAcousticConfiguration(TLSubProject& computation) {
 
 // The steps in their order.
 constexpr TLComputationConversion kConversions[] = {
-    {"backflow control of outlets", &isBelow<1.5>, &addBackflowControl},
-    {"initial solutions of blocks", &isBelow<2.5>, &makeInitialSolutions},
-    {"volumic heat sources", &isBelow<8.0>, &addHeatSources},
-    {"units of parameters", &isBelow<8.9>, &applyUnits},
+    {"backflow control of outlets", &isBelow<1500>, &addBackflowControl},
+    {"initial solutions of blocks", &isBelow<2500>, &makeInitialSolutions},
+    {"volumic heat sources", &isBelow<8000>, &addHeatSources},
+    {"units of parameters", &isBelow<8900>, &applyUnits},
     {"shape model", &isOldStructured, &raiseShapeModel},
     {"CPU booster", &always, &settleBooster},
     {"fluid from solver parameters", &hasOldFluid, &fillFluids},
