@@ -5,6 +5,8 @@
 #include <tcl.h>
 
 #include <algorithm>
+#include <cstdio>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -148,6 +150,7 @@ void IdleCycle_bare(benchmark::State& state) {
   useMachine();
   for (auto _ : state) {
     for (int child = 0; child < state.range(0); ++child) pvm_nrecv(0x50000 + child, -1);
+    for (const int tag : {19, 10, 9}) pvm_nrecv(-1, tag);  // from strangers
   }
 }
 BENCHMARK(IdleCycle_bare)->Arg(1)->Arg(100)->Arg(1000)->Apply(repeated);
@@ -196,6 +199,63 @@ void Spawn_daemon(benchmark::State& state) {
 }
 BENCHMARK(Spawn_daemon)->UseRealTime()->Unit(benchmark::kMicrosecond)->Apply(repeated);
 
+// Keeps the fastest run of each bench and tells how the daemon's compare with the bare ones.
+class RatioReporter : public benchmark::ConsoleReporter {
+ public:
+  void ReportRuns(const std::vector<Run>& runs) override {
+    benchmark::ConsoleReporter::ReportRuns(runs);
+    for (const auto& run : runs) {
+      if (run.aggregate_name != "min") continue;
+      std::string name = run.run_name.function_name;
+      if (!run.run_name.args.empty()) name += '/' + run.run_name.args;
+      fastest_[name] = run.GetAdjustedRealTime();
+    }
+  }
+
+  // 0 when each ratio that has a limit keeps it.
+  int ratios() const {
+    struct Figure {
+      const char* daemon;
+      const char* bare;
+      double limit;  // 0: told only
+    };
+    constexpr Figure kFigures[] = {
+        {"RoundTrip_daemon", "RoundTrip_bare", 0},
+        {"Texts_daemon", "Texts_bareScript", 1 / 0.85},
+        {"Texts_daemon", "Texts_bareReceive", 0},
+        {"IdleCycle_daemon/1", "IdleCycle_bare/1", 0},
+        {"IdleCycle_daemon/100", "IdleCycle_bare/100", 1.3},
+        {"IdleCycle_daemon/1000", "IdleCycle_bare/1000", 1.3},
+        {"Spawn_daemon", "Spawn_bare", 1.2},
+    };
+    int missed = 0;
+    for (const auto& [daemon, bare, limit] : kFigures) {
+      if (!fastest_.contains(daemon) || !fastest_.contains(bare)) continue;
+      const double ratio = fastest_.at(daemon) / fastest_.at(bare);
+      const bool holds = limit == 0 || ratio <= limit;
+      std::printf("%-22s takes %6.2f times %s%s\n", daemon, ratio, bare,
+                  limit == 0 ? ""
+                  : holds    ? ": holds"
+                             : ": TOO MUCH");
+      if (!holds) ++missed;
+    }
+    return missed == 0 ? 0 : 1;
+  }
+
+ private:
+  std::map<std::string, double> fastest_;
+};
+
 }  // namespace
 
-BENCHMARK_MAIN();
+int main(int argc, char** argv) {
+  std::vector<char*> words(argv, argv + argc);
+  std::string turns = "--benchmark_enable_random_interleaving=true";
+  std::string time = "--benchmark_min_time=0.05";
+  words.insert(words.begin() + 1, {turns.data(), time.data()});
+  int count = static_cast<int>(words.size());
+  benchmark::Initialize(&count, words.data());
+  RatioReporter reporter;
+  benchmark::RunSpecifiedBenchmarks(&reporter);
+  return reporter.ratios();
+}

@@ -2,7 +2,12 @@
 
 #include <tcl.h>
 
-TCLInterp::TCLInterp() : interp_(Tcl_CreateInterp()) {}
+#include "session/TLPollNotifier.h"
+
+TCLInterp::TCLInterp() {
+  usePollNotifier();
+  interp_ = Tcl_CreateInterp();
+}
 
 TCLInterp::~TCLInterp() {
   Tcl_DeleteInterp(interp_);

@@ -13,5 +13,5 @@ class TCLInterp {
   Tcl_Interp* get() const { return interp_; }
 
  private:
-  Tcl_Interp* interp_;
+  Tcl_Interp* interp_ = nullptr;
 };
