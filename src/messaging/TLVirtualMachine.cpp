@@ -17,6 +17,7 @@ namespace {
 
 RWCString gLastSpawn = "ok";
 bool gAllowed = true;
+bool gLost = false;
 
 int truth(int code) {
   return code >= 0 ? 1 : 0;
@@ -192,7 +193,13 @@ std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag) {
 }
 
 std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag) {
-  return std::max(pvm_nrecv(tid, tag), 0);
+  const int answer = pvm_nrecv(tid, tag);
+  gLost = answer == PvmSysErr;
+  return std::max(answer, 0);
+}
+
+bool TL_virtual_machine_lost() {
+  return gLost;
 }
 
 int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag) {

@@ -77,6 +77,8 @@ int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag);
 /// @{
 std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag);  ///< blocks
 std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag);
+/// True when the last receive without waiting found no virtual machine to ask.
+bool TL_virtual_machine_lost();
 int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag);
 /// Bytes of the active receive buffer, the bound of every count and length that it may announce; 0
 /// when there is none.

@@ -70,13 +70,13 @@ void TLTaskChildren::superviseOnce() {
 }
 
 void TLTaskChildren::watchVirtualMachine() {
-  const bool enrolled = TL_virtual_machine_mytid() > 0;
-  if (enrolled_ && !enrolled) {
+  const bool reachable = !TL_virtual_machine_lost();
+  if (reachable_ && !reachable) {
     const RWCString text = "The virtual machine of this host is gone: nothing can be heard or told";
     console() << text << '\n' << std::flush;
     reportPhrase(text);
   }
-  enrolled_ = enrolled;
+  reachable_ = reachable;
 }
 
 bool TLTaskChildren::isEndedMarineTask() const {

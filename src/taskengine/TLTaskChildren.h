@@ -5,7 +5,7 @@
 #include "taskengine/TLTask.h"
 
 /// The task of the daemon: supervises its steps. It has no thread and waits on nothing; the script
-/// layer calls superviseOnce from a timer. It adds no data to the task.
+/// layer calls superviseOnce from a timer. It adds no data to the record.
 class TLTaskChildren : public TLTask {
  public:
   /// Sets gLaunchConfirmed.
@@ -64,5 +64,5 @@ class TLTaskChildren : public TLTask {
   /// Asks the processes of `step` to end, or touches the stop file of `stopFileOf` for its job.
   static void suspend(const TLSubTask& step, TLSubTask& stopFileOf);
 
-  bool enrolled_ = false;  ///< as the last cycle found it
+  bool reachable_ = false;  ///< the virtual machine, as the last cycle found it
 };

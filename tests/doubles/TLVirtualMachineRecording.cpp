@@ -152,6 +152,10 @@ std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t ta
   return receive(tid, tag);
 }
 
+bool TL_virtual_machine_lost() {
+  return vm().lost;
+}
+
 int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag) {
   const auto found = vm().buffers.find(buffer);
   if (found == vm().buffers.end()) return 0;

@@ -58,6 +58,7 @@ struct TLVirtualMachineRecording {
   std::int32_t mytid = 0x40000;
   RWCString ownHost = "localhost";
   bool sendBufferFails = false;
+  bool lost = false;
   std::map<std::int32_t, bool> sendFails;  ///< by tid
   std::deque<TLRecordedMessage> incoming;  ///< a receive takes the first that fits
   /// @}

@@ -183,6 +183,18 @@ TEST_F(SupervisionTest, StartOnlyMarks) {
   EXPECT_EQ(launched(), Lines{});
 }
 
+TEST_F(SupervisionTest, ALostVirtualMachineIsToldOnce) {
+  vm.lost = true;
+  task->superviseOnce();
+  EXPECT_EQ(said(), Lines{}) << "there never was one";
+  vm.lost = false;
+  task->superviseOnce();
+  vm.lost = true;
+  task->superviseOnce();
+  task->superviseOnce();
+  EXPECT_EQ(said().size(), 1U);
+}
+
 TEST_F(SupervisionTest, ACycleAsksForEachStepOnce) {
   constexpr std::int32_t kSteps = 100;
   for (std::int32_t i = 0; i < kSteps; ++i) addRunning("A", "tool", {1000 + i});
