@@ -116,6 +116,56 @@ TEST_F(Tools, SolverTellsWhyItDies) {
   EXPECT_FALSE(PvmPeer::receive(tool, 5, 0));
 }
 
+// A parameter of a settings message with one real or one integer entry.
+void addSetting(TLWireBuffer& body, const char* name, float real, bool isReal) {
+  body.counted(name).counted("user's").counted("type").integer(1).integer(1).integer(0).integer(0);
+  if (isReal) {
+    body.integer(1).real32(real).integer(0);
+  } else {
+    body.integer(0).integer(1).integer(static_cast<std::int32_t>(real));
+  }
+  body.integer(1).real32(1).real32(2).real32(3).integer(1).counted("a text");
+}
+
+TEST_F(Tools, SolverFollowsItsSettingsAndReportsValues) {
+  start(TL_HEATMESH, {runFile, "-cells", "24"});
+  ASSERT_TRUE(next(7));
+  ASSERT_TRUE(PvmPeer::waitGone(tool));
+  start(TL_VELSTRATURBO, {runFile, "-steering", "case.steering", "-stop_at", "0", "-iterations",
+                          "1000000000", "-report_every", "1000000000"});
+  ASSERT_TRUE(next(14));
+  PvmBody settings;
+  settings.text("case.steering");
+  TLWireBuffer& body = settings.sub(9).counted("case.steering").integer(3);
+  addSetting(body, "output interval", 5, false);
+  addSetting(body, "relaxation", 1.5F, true);
+  addSetting(body, "stop at residual", 0.0F, true);
+  body.integer(-1).integer(-1);
+  ASSERT_TRUE(PvmPeer::send(tool, 12, settings));
+  EXPECT_EQ(textOf(awaited(7)), "settings: relaxation 1.5, stop at 0, output every 5");
+  ASSERT_TRUE(next(13));  // holds all since the start
+  TLWireBuffer values = awaited(13).body;
+  for (const std::int32_t expected : {1, 8, 4}) {
+    std::int32_t item = 0;
+    ASSERT_TRUE(values.takeInteger(item));
+    EXPECT_EQ(item, expected);
+  }
+  std::vector<std::string> names;
+  for (const std::int32_t points : {5, 5, 24, 24 * 13}) {
+    std::int32_t item = 0;
+    std::string name;
+    ASSERT_TRUE(values.takeInteger(item) && values.takeString(name));
+    for (int skipped = 0; skipped < 4; ++skipped) values.takeInteger(item);
+    ASSERT_TRUE(values.takeInteger(item));
+    EXPECT_EQ(item, points) << name;
+    float point = 0;
+    for (int i = 0; i < 2 * points; ++i) ASSERT_TRUE(values.takeReal32(point));
+    names.push_back(name);
+  }
+  EXPECT_THAT(names, testing::ElementsAre("residual", "heat flow", "profile", "temperature"));
+  EXPECT_EQ(values.left(), 0U);
+}
+
 TEST_F(Tools, FakeToolDoesAsTold) {
   start(TL_FAKETOOL, {"-do", "started",
                       "-do", "text a  b",
