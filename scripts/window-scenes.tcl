@@ -1,5 +1,6 @@
 # Plays the program to the shipped script layer, for pictures of its window:
 #   wish window-scenes.tcl taskDaemon.tcl SCENE picture.png
+catch {package require BLT}
 lassign $argv layer scene picture
 
 proc task_update {} {}
@@ -37,6 +38,17 @@ proc log {count} {
   task_manager_update_tail
 }
 
+proc residuals {count} {
+  foreach {name from slope wave} {density 0.9 0.012 9 "x momentum" 0.5 0.0105 13 energy 0.2 0.009 21} {
+    set points 0
+    for {set i 1} {$i <= $count} {incr i} {
+      set y [expr {$from * exp(-$slope * $i) * (1 + 0.25 * sin($i / double($wave)))}]
+      lappend points $i $y
+    }
+    set ::tl_series($name) $points
+  }
+}
+
 proc waiting {} {
   record [step MESH 1 node17 4 -1] [step VELSTRA 0 node18 -1 -1] [step PICTURES 0 node17 -1 -1]
   say "Try to spawn igg on node17, OS UNIX" start_status_ok
@@ -49,6 +61,7 @@ proc running {} {
       "ASK FLOW SOLVER STEERING" "full multigrid: level 2 of 3" RECONNECTED_TO_PARENT
   task_manager_update_ratio
   log 412
+  residuals 412
 }
 proc crashed {} {
   record [step MESH 2 node17 184 62] \
@@ -57,6 +70,7 @@ proc crashed {} {
   say start_status_ok "FLOW SOLVER STARTED" "full multigrid: level 2 of 3" "FLOW SOLVER CRASHED" \
       ___________CANNOT_SPAWN
   log 263
+  residuals 263
   okMessage { Warning: the execution of the command:tlrcp -b node18:/tmp/wing.cgns wing.cgns failed } \
       { error }
 }
@@ -66,11 +80,12 @@ proc finished {} {
       "converged after 1200 iterations" "FLOW SOLVER FINISHED" "Retrieval completed ! \n" \
       start_status_ok "picture: pressure.png"
   log 1200
+  residuals 1200
 }
 
 source $layer
 after 200 $scene
 after 2500 {
-  exec import -window root $picture
+  exec import -window root -crop 1100x760+0+0 $picture
   exit
 }

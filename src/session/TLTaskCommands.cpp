@@ -8,6 +8,7 @@
 #include "platform/TLHostForm.h"
 #include "session/TLRunRecorder.h"
 #include "session/TLScriptCommand.h"
+#include "session/TLSeriesFeed.h"
 #include "taskengine/TLCurrentTask.h"
 #include "taskengine/TLStatusFile.h"
 #include "taskengine/TLTaskChildren.h"
@@ -68,8 +69,10 @@ void taskHostName(TLTask& /*task*/, ArgStream& /*arguments*/, ResultStream& resu
 }
 
 void updateTask(TLTask& task, ArgStream& /*arguments*/, ResultStream& /*result*/) {
+  static TLSeriesFeed seriesFeed;
   if (auto* supervised = dynamic_cast<TLTaskChildren*>(&task)) supervised->superviseOnce();
   runRecorder().update(task);
+  seriesFeed.update(task);
 }
 
 void searchByName(TLTask& task, ArgStream& arguments, ResultStream& result) {

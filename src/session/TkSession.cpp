@@ -152,6 +152,16 @@ void TkSession::setApplication() {
   }
 }
 
+bool TkSession::hasVariable(const char* name, const char* element) const {
+  return Tcl_GetVar2Ex(interp(), name, element, TCL_GLOBAL_ONLY) != nullptr;
+}
+
+void TkSession::setVariable(const char* name, const char* element, const RWCString& value,
+                            bool append) const {
+  const int flags = TCL_GLOBAL_ONLY | (append ? TCL_APPEND_VALUE : 0);
+  Tcl_SetVar2(interp(), name, element, value.c_str(), flags);
+}
+
 std::int32_t TkSession::oneEvent() {
   if (Tk_GetNumMainWindows() < 1) {
     done_ = 1;

@@ -32,6 +32,14 @@ class TkSession {
   /// Waits for one event and handles it; answers 1. Without any window left: sets done, answers 0.
   std::int32_t oneEvent();
 
+  /// @name The script's global variables: `name`, or element `element` of the array `name`.
+  /// @{
+  bool hasVariable(const char* name, const char* element = nullptr) const;
+  /// Sets the variable, or appends to its text.
+  void setVariable(const char* name, const char* element, const RWCString& value,
+                   bool append = false) const;
+  /// @}
+
   std::int32_t done() const { return done_; }
   Tcl_Interp* interp() const { return interp_->get(); }
 

@@ -121,6 +121,31 @@ TEST_F(TLTaskCommandsTest, marineEndAsksRunningToolsAndStopsAll) {
   for (const auto& step : gCurrentTask->subTasks) EXPECT_EQ(step->status, TLSubTask::Stopped);
 }
 
+TEST_F(TLTaskCommandsTest, residualsGoToAScriptThatWantsThem) {
+  TLSubTask& step = addStep("VELSTRA", "velstra", TLSubTask::Running);
+  const auto residual = step.steering->parameter(0);
+  residual->name = "mass flow";
+  const float x[] = {1, 2, 3};
+  const float y[] = {0.5F, 0.25F, 1e-7F};
+  residual->mergeValues(2, x, y);
+  ask("task_update");
+  EXPECT_EQ(ask("info exists tl_series"), "0");
+
+  ask("set tl_series_wanted 1; task_update");
+  EXPECT_EQ(ask("set {tl_series(mass flow)}"), "0 1 0.5 2 0.25");
+  residual->mergeValues(1, x + 2, y + 2);
+  ask("task_update");
+  EXPECT_EQ(ask("set {tl_series(mass flow)}"), "0 1 0.5 2 0.25 3 1e-07");
+  ask("unset tl_series; task_update");
+  EXPECT_EQ(ask("info exists tl_series"), "0");
+  residual->clearValues();
+  residual->setValueCount(0);
+  residual->mergeValues(1, x, y);
+  ask("task_update");
+  EXPECT_EQ(ask("set {tl_series(mass flow)}"), "0 1 0.5");
+  ask("unset tl_series tl_series_wanted");
+}
+
 bool gEnded = false;
 
 TEST_F(TLTaskCommandsTest, exitGoesTheOneOrderlyWay) {

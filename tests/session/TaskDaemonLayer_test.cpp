@@ -126,7 +126,8 @@ TEST_F(TaskDaemonLayerTest, logIsFollowedThroughGrowthCutAndReplacement) {
 
 TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   const fs::path record = directory_ / ("task-" + value("pid") + ".json");
-  std::ofstream(record) << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
+  std::ofstream(record)
+      << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
     {"name":"MESH","host":"node17","status":2,"started":1.5,"ended":63.25,"reason":""},
     {"name":"A \"b\" {c} é \\","host":"node18","status":4,"started":63,"ended":64,
      "reason":"killed by signal 9\nsee run.std"}]})";
@@ -137,6 +138,22 @@ TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   EXPECT_THAT(value(".header.what cget -text"), HasSubstr("2 steps: 1 finished, 1 crashed"));
   EXPECT_EQ(value("wm title ."), "wing – task");
   EXPECT_EQ(value(".header.elapsed cget -text"), "0:01:04");
+}
+
+TEST_F(TaskDaemonLayerTest, residualsAreDrawnAsTheyCome) {
+  EXPECT_EQ(value("set tl_series_wanted"), "1");
+  value("set {tl_series(x \"mom\" \\[1\\])} {0 1 0.5 2 0.25}; ::plot::update_");
+  value("set {tl_series(x \"mom\" \\[1\\])} {2 3 0.125}");
+  EXPECT_EQ(value("::plot::update_"), "1");
+  EXPECT_EQ(value("::plot::update_"), "0");
+  EXPECT_EQ(value("::plot::x0 range 0 end"), "1.0 2.0 3.0");
+  EXPECT_EQ(value("::plot::y0 range 0 end"), "0.5 0.25 0.125");
+  value("::look::showPlot; update");
+  EXPECT_EQ(value("winfo ismapped $::plot::graph"), "1");
+  value(
+      "set points 0; for {set i 0} {$i < 20001} {incr i} {lappend points $i 1};"
+      " set {tl_series(x \"mom\" \\[1\\])} $points; ::plot::update_");
+  EXPECT_EQ(value("::plot::x0 length"), "10001");
 }
 
 TEST_F(TaskDaemonLayerTest, confirmAnswersTheButton) {

@@ -77,16 +77,19 @@ namespace eval ::look {
     fonts
     styles
     wm title . "Task"
-    wm geometry . 1000x700
+    wm geometry . 1100x760
     wm minsize . 640 420
     header .header
     banner .banner
     ttk::panedwindow .body -orient vertical
-    steps .body.steps
+    ttk::panedwindow .body.upper -orient horizontal
+    steps .body.upper.steps
+    residuals .body.upper.residuals
     ttk::panedwindow .body.lower -orient horizontal
     reports .body.lower.reports
     log .body.lower.log
-    .body add .body.steps -weight 1
+    .body add .body.upper -weight 1
+    .body.upper add .body.upper.steps -weight 1
     .body add .body.lower -weight 2
     .body.lower add .body.lower.reports -weight 3
     .body.lower add .body.lower.log -weight 2
@@ -150,8 +153,8 @@ namespace eval ::look {
         -selectmode browse -height 4 -yscrollcommand [list ::growingText::scrolled $card.y]
     ttk::scrollbar $card.y -orient vertical -command [list $card.list yview]
     foreach {column title width stretch} {
-      name Step 170 0 state State 110 0 host Host 160 0 started Started 80 0 time Time 80 0
-      reason "" 300 1
+      name Step 150 1 state State 105 0 host Host 120 1 started Started 75 0 time Time 70 0
+      reason Why 200 1
     } {
       $card.list heading $column -text $title -anchor w
       $card.list column $column -width $width -minwidth 60 -stretch $stretch -anchor w
@@ -181,9 +184,8 @@ namespace eval ::look {
 
   proc log {path} {
     set card [section $path "Log"]
-    $path.title configure -text "Log"
     ::growingText::make $card.text TkFixedFont 5000
-    grid $card.text -sticky nsew
+    grid $card.text -row 0 -column 0 -sticky nsew
     $card.text.text tag configure dim -foreground $::look::faint
     set ::tail::view $card.text
     ::growingText::add $card.text [list "No log is followed yet." dim]
@@ -191,6 +193,19 @@ namespace eval ::look {
 
   proc logName {file} {
     .body.lower.log.title configure -text "Log of [file tail $file]"
+  }
+
+  proc residuals {path} {
+    set card [section $path "Residuals"]
+    if {[::plot::make $card.plot]} { grid $card.plot -sticky nsew -padx 2 -pady 2 }
+  }
+
+  # Gives the plot its place beside the steps, at the first values.
+  proc showPlot {} {
+    if {".body.upper.residuals" in [.body.upper panes]} return
+    .body.upper add .body.upper.residuals -weight 1
+    update idletasks
+    .body.upper sashpos 0 [expr {[winfo width .body.upper] * 3 / 5}]
   }
 
   proc footer {path} {

@@ -3,7 +3,7 @@
 #
 # This file is evaluated before the task exists: it only makes the window and arms the timer.
 
-foreach part {vocabulary runState logView look} {
+foreach part {vocabulary runState logView plot look} {
   source [file join [file dirname [info script]] $part.tcl]
 }
 
@@ -18,7 +18,7 @@ namespace eval ::taskWindow {
   variable steps {}
   variable words
   variable view .body.lower.reports.card.text
-  variable list .body.steps.card.list
+  variable list .body.upper.steps.card.list
 
   if {[info exists ::env(TL_UPDATE_MS)] && [string is integer -strict $::env(TL_UPDATE_MS)]} {
     set period [expr {max(1, $::env(TL_UPDATE_MS))}]
@@ -45,6 +45,7 @@ namespace eval ::taskWindow {
         .header.elapsed configure -text [duration [expr {[clock seconds] - $started}]]
       }
       ::tail::update_
+      if {[::plot::update_]} { ::look::showPlot }
       showTimes
     }
     after 500 ::taskWindow::tick
