@@ -19,7 +19,7 @@ constexpr std::int32_t kGrowth = 100;
 constexpr std::size_t kBytesPerPoint = 8;
 
 // Points beyond what a file holds that a count may ask for before it is cut to the file.
-constexpr std::size_t kMostMissing = std::size_t{1} << 24;
+constexpr std::size_t kMostMissing = std::size_t{1} << 20;
 
 template <class Entry>
 Handle<Entry> entryAt(std::vector<Handle<Entry>>& list, int position) {

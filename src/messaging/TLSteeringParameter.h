@@ -50,9 +50,9 @@ class TLSteeringParameter : public RefCounted {
   void clearValues();
   /// Takes over the points of `other`, which is left without any.
   void takeValues(TLSteeringParameter& other);
-  /// Takes in `count` reported points. Points whose y is not finite are dropped; for a residual
-  /// also those whose x is not above the last one kept. The others are appended for a residual, and
-  /// replace the series for any other type.
+  /// Takes in `count` reported points, which must not be this parameter's own. Points whose y is
+  /// not finite are dropped; for a residual also those whose x is not above the last one kept. The
+  /// others are appended for a residual, and replace the series for any other type.
   void mergeValues(std::int32_t count, const float* x, const float* y);
   /// Appends the series to the text of a binary file: all x, then all y, each a big-endian IEEE-754
   /// binary32.

@@ -55,8 +55,7 @@ struct TLBCDataBaseKeys {
   static TLKeyResult readBackward(B& base, TLKeyContext& context) {
     auto record = makeHandle<TLBCBackwardRecord>();
     if (record->read(context.source) == 0) return TLKeyResult::failed;
-    base.addBackward(record);
-    return TLKeyResult::next;
+    return base.addBackward(record) ? TLKeyResult::next : TLKeyResult::failed;
   }
 
   static const TLKeyTable<B>& table() {
@@ -89,10 +88,10 @@ void TLBCDataBase::load(std::int32_t solverKind, std::int32_t mode) {
     std::exit(0);
   }
   TLTextSource source(std::move(*text));
-  if (read(source) == 0) {
-    console() << "TLBCDataBase::read File error !!!\n" << std::flush;
-    std::exit(0);
-  }
+  const int result = read(source);
+  if (result == 1) return;
+  if (result == 0) console() << "TLBCDataBase::read File error !!!\n" << std::flush;
+  std::exit(0);
 }
 
 int TLBCDataBase::read(TLTextSource& source) {
@@ -101,7 +100,9 @@ int TLBCDataBase::read(TLTextSource& source) {
   backwardRecords_.clear();
   definitionOf_.clear();
   backwardOf_.clear();
-  return readBlock(*this, source, TLBCDataBaseKeys::table());
+  wrongBackward_ = false;
+  const int result = readBlock(*this, source, TLBCDataBaseKeys::table());
+  return wrongBackward_ ? -1 : result;
 }
 
 TLBCDataBase::Kind TLBCDataBase::kindOf(std::int32_t typeId, std::int32_t typeOpsel) {
@@ -114,13 +115,14 @@ void TLBCDataBase::addDefinition(const Handle<TLBCParameters>& definition) {
   definitions_.push_back(definition);
 }
 
-void TLBCDataBase::addBackward(const Handle<TLBCBackwardRecord>& record) {
+bool TLBCDataBase::addBackward(const Handle<TLBCBackwardRecord>& record) {
   const auto definition = known(record->typeNew, record->opselNew);
   if (!definition) {
     console() << "Wrong BC backward record format id " << record->typeNew << ", opsel "
               << record->opselNew << '\n'
               << std::flush;
-    std::exit(0);
+    wrongBackward_ = true;
+    return false;
   }
   auto target = definition->clone();
   target->typeId = record->typeOld;
@@ -129,6 +131,7 @@ void TLBCDataBase::addBackward(const Handle<TLBCBackwardRecord>& record) {
   backwardOf_.try_emplace(kindOf(record->typeOld, record->opselOld), backwardTargets_.size());
   backwardTargets_.push_back(target);
   backwardRecords_.push_back(record);
+  return true;
 }
 
 Handle<TLBCParameters> TLBCDataBase::known(std::int32_t typeId, std::int32_t typeOpsel) const {

@@ -18,7 +18,7 @@ class TLBCDataBase {
   /// Replaces what is held. Without VELSTRA_DIR, without the file or on a malformed one a message,
   /// and the process ends, status 0.
   void load(std::int32_t solverKind, std::int32_t mode);
-  /// Reads the lines of a definition file. 1, or 0 on a malformed line. Ends the process when a
+  /// Reads the lines of a definition file. 1, 0 on a malformed line, or -1, with a message, when a
   /// backward record names a kind that the file lacks.
   int read(TLTextSource& source);
 
@@ -48,7 +48,7 @@ class TLBCDataBase {
   static Kind kindOf(std::int32_t typeId, std::int32_t typeOpsel);
   Handle<TLBCParameters> known(std::int32_t typeId, std::int32_t typeOpsel) const;
   void addDefinition(const Handle<TLBCParameters>& definition);
-  void addBackward(const Handle<TLBCBackwardRecord>& record);
+  bool addBackward(const Handle<TLBCBackwardRecord>& record);
 
   std::vector<Handle<TLBCParameters>> definitions_;
   std::vector<Handle<TLBCParameters>> backwardTargets_;
@@ -56,6 +56,7 @@ class TLBCDataBase {
   std::unordered_map<Kind, std::size_t> definitionOf_;       ///< the first of each kind
   std::unordered_map<Kind, std::size_t> backwardOf_;
   Handle<TLBCParameters> empty_ = makeHandle<TLBCParameters>();
+  bool wrongBackward_ = false;
   std::int32_t missingTypeId_ = -1;
   std::int32_t missingTypeOpsel_ = -1;
 };
