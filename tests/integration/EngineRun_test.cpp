@@ -72,6 +72,9 @@ struct Death {
   std::string upcall;
   std::string report;
 };
+std::ostream& operator<<(std::ostream& out, const Death& death) {
+  return out << death.label;
+}
 std::vector<std::string> dying(std::vector<std::string> commands) {
   commands.insert(commands.begin(), "await 21 60");
   commands.emplace_back("die KILL");
