@@ -63,6 +63,7 @@ std::FILE* openCatchout() {
                     std::to_string(hostForm().processId()));
   std::FILE* stream = std::fopen(hostForm().realPath(file.path()).c_str(), "w");
   if (stream == nullptr) return nullptr;
+  std::setvbuf(stream, nullptr, _IOLBF, BUFSIZ);  // others read it while it grows
   gCatchoutFileName = file.path();
   TL_virtual_machine_catchout(stream);
   return stream;

@@ -125,9 +125,11 @@ TEST_F(TaskDaemonLayerTest, logIsFollowedThroughGrowthCutAndReplacement) {
 }
 
 TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
+  value("set ::tail::path {}");
   const fs::path record = directory_ / ("task-" + value("pid") + ".json");
-  std::ofstream(record)
-      << R"({"version":1,"host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
+  std::ofstream(directory_ / "catchout") << "[t40002] hello\n";
+  std::ofstream(record) << R"({"version":1,"log_file":")" << (directory_ / "catchout").string()
+                        << R"(","host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
     {"name":"MESH","host":"node17","status":2,"started":1.5,"ended":63.25,"reason":""},
     {"name":"A \"b\" {c} é \\","host":"node18","status":4,"started":63,"ended":64,
      "reason":"killed by signal 9\nsee run.std"}]})";
@@ -138,6 +140,8 @@ TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   EXPECT_THAT(value(".header.what cget -text"), HasSubstr("2 steps: 1 finished, 1 crashed"));
   EXPECT_EQ(value("wm title ."), "wing – task");
   EXPECT_EQ(value(".header.elapsed cget -text"), "0:01:04");
+  value("::tail::update_; ::growingText::flush $::tail::view");
+  EXPECT_EQ(value("$::tail::view.text get 1.0 end-1c"), "[t40002] hello");
 }
 
 TEST_F(TaskDaemonLayerTest, residualsAreDrawnAsTheyCome) {

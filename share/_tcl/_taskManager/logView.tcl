@@ -125,7 +125,7 @@ namespace eval ::tail {
   variable rest ""
   variable view ""
 
-  proc follow {file} {
+  proc follow {file title} {
     variable path
     variable rest
     variable view
@@ -133,7 +133,7 @@ namespace eval ::tail {
     set path $file
     set rest ""
     ::growingText::clear $view
-    ::look::logName $file
+    ::look::logTitle $title
   }
 
   proc stop {} {

@@ -191,9 +191,7 @@ namespace eval ::look {
     ::growingText::add $card.text [list "No log is followed yet." dim]
   }
 
-  proc logName {file} {
-    .body.lower.log.title configure -text "Log of [file tail $file]"
-  }
+  proc logTitle {text} { .body.lower.log.title configure -text $text }
 
   proc residuals {path} {
     set card [section $path "Residuals"]

@@ -99,6 +99,11 @@ namespace eval ::taskWindow {
     if {[dict size $state] == 0} return
     set steps [dict get $state steps]
     showName $state
+    # As long as no log is named, what the steps print is one.
+    if {$::tail::path eq "" && [dict exists $state log_file]} {
+      set file [dict get $state log_file]
+      if {$file ne ""} { ::tail::follow $file "Output of the steps" }
+    }
     showSteps
     showProgress $state
   }
@@ -246,7 +251,7 @@ proc task_manager_update_ratio {args} {
       "last values of the solver: [clock format [clock seconds] -format %H:%M:%S]"
 }
 
-proc task_manager_init_tail {file} { ::tail::follow $file }
+proc task_manager_init_tail {file} { ::tail::follow $file "Log of [file tail $file]" }
 
 proc task_manager_update_tail {args} { ::tail::update_ }
 
