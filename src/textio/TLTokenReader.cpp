@@ -1,6 +1,7 @@
 #include "textio/TLTokenReader.h"
 
 #include <algorithm>
+#include <boost/container/small_vector.hpp>
 
 #include "platform/TLConsole.h"
 #include "textio/TLNumbers.h"
@@ -14,17 +15,22 @@ struct TLTokenReader::Form {
 
 namespace {
 
-bool isWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isWhite(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
-std::vector<std::string_view> split(std::string_view line) {
-  std::vector<std::string_view> words;
+// The tokens of a line; of all but very long ones without taking memory.
+using Words = boost::container::small_vector<std::string_view, 32>;
+
+Words split(std::string_view line) {
+  Words words;
   TLTokens tokens(line);
   for (auto word = tokens.next(); !word.empty(); word = tokens.next()) words.push_back(word);
   return words;
 }
 
 // Words `first` to `last` (not included) joined by one blank each.
-RWCString joined(const std::vector<std::string_view>& words, std::size_t first, std::size_t last) {
+RWCString joined(const Words& words, std::size_t first, std::size_t last) {
   RWCString text;
   for (std::size_t i = first; i < last; ++i) {
     if (i > first) text += ' ';
@@ -39,7 +45,9 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-float floatFrom(std::string_view word) { return static_cast<float>(realFrom(word)); }
+float floatFrom(std::string_view word) {
+  return static_cast<float>(realFrom(word));
+}
 
 }  // namespace
 
@@ -219,8 +227,8 @@ int TLTokenReader::readIntegers2(std::string_view line, std::int32_t& a, std::in
 int TLTokenReader::readIntegers3(std::string_view line, std::int32_t& a, std::int32_t& b,
                                  std::int32_t& c) {
   std::string_view v[3];
-  if (!take(line,
-            {"  wrong format for8: ", " <integer value> <integer value> <integer value>"}, v)) {
+  if (!take(line, {"  wrong format for8: ", " <integer value> <integer value> <integer value>"},
+            v)) {
     return 0;
   }
   a = integerFrom(v[0]);
@@ -231,8 +239,8 @@ int TLTokenReader::readIntegers3(std::string_view line, std::int32_t& a, std::in
 
 int TLTokenReader::readIntegerPair(std::string_view line, std::int32_t& a, std::int32_t& b) {
   std::string_view v[2];
-  if (!take(line,
-            {"  wrong format for9: ", " <integer value> <integer value> <integer value>"}, v)) {
+  if (!take(line, {"  wrong format for9: ", " <integer value> <integer value> <integer value>"},
+            v)) {
     return 0;
   }
   a = integerFrom(v[0]);
@@ -265,10 +273,10 @@ int TLTokenReader::readCountedReals(std::string_view line, std::vector<double>& 
 
 int TLTokenReader::readFloats4(std::string_view line, float& a, float& b, float& c, float& d) {
   std::string_view v[4];
-  if (!take(line,
-            {"  wrong format for13: ",
-             " <float value>  <float value>  <float value> <float value>"},
-            v)) {
+  if (!take(
+          line,
+          {"  wrong format for13: ", " <float value>  <float value>  <float value> <float value>"},
+          v)) {
     return 0;
   }
   a = floatFrom(v[0]);
@@ -459,7 +467,8 @@ int TLTokenReader::readArray(std::string_view line, int count, T* values, const 
     const auto word = tokens.next();
     if (word.empty()) {
       console() << form.label << line << '\n' << std::flush;
-      recordError(line, "expected: " + RWCString(key) + ' ' + std::to_string(count) + form.expected);
+      recordError(line,
+                  "expected: " + RWCString(key) + ' ' + std::to_string(count) + form.expected);
       return 0;
     }
     values[i] = convert(word);
