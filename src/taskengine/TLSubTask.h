@@ -26,7 +26,7 @@ class TLTask;
 /// first child is the number of its job.
 class TLSubTask : public RefCounted {
  public:
-  /// Values of `status`. From finishedOk on they are terminal: a status doesn't leave them within
+  /// Values of `status`. From FinishedOk on they are terminal: a status doesn't leave them within
   /// one run.
   enum Status : std::int32_t {
     Pending = 0,
