@@ -170,7 +170,7 @@ TEST_F(Tools, FakeToolDoesAsTold) {
   start(TL_FAKETOOL, {"-do", "started",
                       "-do", "text a  b",
                       "-do", "send 28 i:-1 d:0.5 f:0.25 s:x",
-                      "-do", "raw 7 i:1 i:7 i:-4 S:x",
+                      "-do", "raw 7 i:1 i:7 i:-4 S:xyz",
                       "-do", "values rms 1 0.5 2 0.25",
                       "-do", "ignore suspend",
                       "-do", "await 21",
@@ -182,7 +182,7 @@ TEST_F(Tools, FakeToolDoesAsTold) {
   EXPECT_EQ(awaited(7).values(), (Values{"a  b"}));
   EXPECT_EQ(awaited(28).values(), (Values{-1, 0.5, 0.25F, "x"}));
   EXPECT_EQ(awaited(7).body.bytes(),
-            TLWireBuffer().integer(1).integer(7).integer(-4).string("x").bytes());
+            TLWireBuffer().integer(1).integer(7).integer(-4).string("xyz").bytes());
   TLWireBuffer values = TLWireBuffer().integer(1).integer(8).integer(1).counted("rms");
   for (const int item : {0, 0, 0, 0, 2}) values.integer(item);
   EXPECT_EQ(awaited(13).body.bytes(),
