@@ -257,13 +257,34 @@ void TLParameters::setByDescriptor(std::string_view descriptor, std::string_view
   readValue(descriptor, firstValue, stream);
 }
 
+// Parameters of one value that this program sets itself: a file that has them keeps them, although
+// a definition may lack them.
+constexpr std::string_view kOwnParameters[] = {"IMUWAL", "IRSMCH", "IMOVQS", "QSAMPY",
+                                               "QSOMGZ", "BCKFLO", "NTASK"};
+
 void TLParameters::readValue(std::string_view descriptor, std::string_view firstValue,
                              TLTextSource& stream) {
   const TLDescriptor parsed = TLDescriptor::parse(descriptor);
   const Place place = std::exchange(remembered_, Place());
   if (place.found()) {
     fillAt(place, static_cast<std::size_t>(parsed.count), firstValue, stream);
-  } else if (parsed.type == TLParameterType::integer || parsed.type == TLParameterType::real) {
+    return;
+  }
+  const bool own = parsed.count == 1 &&
+                   std::find(std::begin(kOwnParameters), std::end(kOwnParameters), parsed.name) !=
+                       std::end(kOwnParameters);
+  if (own && parsed.type == TLParameterType::integer) {
+    setIntegers(descriptor, {integerFrom(firstValue)});
+    return;
+  }
+  if (own && parsed.type == TLParameterType::real) {
+    setReals(descriptor, {realFrom(firstValue)});
+    return;
+  }
+  if (stream.observer() != nullptr) {
+    stream.observer()->passedOver(stream, descriptor, "solver_parameters", {});
+  }
+  if (parsed.type == TLParameterType::integer || parsed.type == TLParameterType::real) {
     dropWords(parsed.count - 1, stream);
   }
 }

@@ -120,8 +120,14 @@ std::string_view valueOf(std::string_view line) {
   return value;
 }
 
+// A line as all records see theirs.
+std::string_view withoutIndent(std::string_view line) {
+  while (!line.empty() && isWhite(line.front())) line.remove_prefix(1);
+  return line;
+}
+
 int checkField(TLTextSource& source, std::string_view line, const TLKeptField& field) {
-  while (isWhite(line.front())) line.remove_prefix(1);  // as all records see their lines
+  line = withoutIndent(line);
   TLTokenReader reader(source);
   std::int32_t whole = 0;
   double real = 0.0;
@@ -145,7 +151,9 @@ bool isVersionLine(std::string_view line) {
 
 int refuse(TLTextSource& source, std::string_view line, std::string_view text) {
   console() << text << '\n' << std::flush;
-  if (source.observer() != nullptr) source.observer()->badLine(source, line, "version <number>");
+  if (source.observer() != nullptr) {
+    source.observer()->badLine(source, withoutIndent(line), "version <number>");
+  }
   return 0;
 }
 

@@ -200,11 +200,15 @@ struct TLProjectFormat {
 
 // Reading -------------------------------------------------------------------------------------
 
+void TLProject::setFile(const RWCString& path) {
+  projectFile =
+      TLFile(isAbsolute(path) ? path : hostForm().join(hostForm().currentDirectory(), path));
+}
+
 int TLProject::read(const RWCString& path) {
   auto text = hostForm().readFile(path);
   if (!text) return 0;
-  projectFile =
-      TLFile(isAbsolute(path) ? path : hostForm().join(hostForm().currentDirectory(), path));
+  setFile(path);
   TLTextSource source(std::move(*text));
   return read(source);
 }
@@ -387,9 +391,8 @@ RWCString TLProject::findMoved(const TLFile& projectFile, const RWCString& path)
 
 void TLProject::setProjectType(std::int32_t type) {
   projectType_ = type;
-  if (!usesDefinitions) return;
-  TLUnitsDataBase::instance().start();
-  TLSteeringDataBase::instance().load(type, solverMode());
+  if (usesDefinitions) TLUnitsDataBase::instance().start();
+  if (usesDefinitions && usesSteering) TLSteeringDataBase::instance().load(type, solverMode());
 }
 
 int TLProject::solverMode() const {

@@ -21,6 +21,8 @@
 /// changed and written.
 class TLProject : public RefCounted {
  public:
+  /// The file of this name becomes `projectFile`: paths in the project are told relative to it.
+  void setFile(const RWCString& path);
   /// Opens and reads the file of this name, which becomes `projectFile`. As read(source); 0 also
   /// when the file can't be opened.
   int read(const RWCString& path);
@@ -73,6 +75,8 @@ class TLProject : public RefCounted {
   /// Whether reading loads and uses the definitions of the solvers in VELSTRA_DIR. A process whose
   /// definitions are missing ends; a tool that only looks at files can do without.
   bool usesDefinitions = true;
+  /// Whether it loads those of the steering parameters, which the project itself has no use for.
+  bool usesSteering = true;
 
   /// The first computation; null for a project without one.
   Handle<TLSubProject> currentComputation;

@@ -313,6 +313,10 @@ const TLKeyTable<R>& table() {
           {"COARSE_FLAG", "", &passOver, 13,                               "    COARSE_FLAG                      ", &writeCoarseFlag},
           {"NUMBER_OF_GRID_LEVEL", "", &passOver, 14,                      "    NUMBER_OF_GRID_LEVEL             ", &writeGridLevels},
           {"ALL_HARMONICS_ON", "", &passOver},
+          // Marks for people only.
+          {"START_UNITS_OF_THE_COMPUTATION", "", &passOver},
+          {"END_UNITS_OF_THE_COMPUTATION", "", &passOver},
+          {"tl_end", "solver_parameters", &passOver},
       },
       {"computation", "non_deterministic_computation"});
   return keys;

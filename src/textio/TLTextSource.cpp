@@ -55,7 +55,11 @@ bool TLTextSource::readRawLine(std::string_view& line) {
 std::size_t TLTextSource::lineNumber(std::string_view part) const {
   const char* begin = text_.data();
   if (part.data() < begin || part.data() > begin + text_.size()) return 0;
-  return 1 + static_cast<std::size_t>(std::count(begin, part.data(), '\n'));
+  const auto at = static_cast<std::size_t>(part.data() - begin);
+  if (at < countedTo_) countedTo_ = counted_ = 0;
+  counted_ += static_cast<std::size_t>(std::count(begin + countedTo_, begin + at, '\n'));
+  countedTo_ = at;
+  return 1 + counted_;
 }
 
 std::string_view TLTextSource::wholeLine(std::string_view part) const {

@@ -49,7 +49,8 @@ class TLTextSource {
   bool readRawLine(std::string_view& line);
 
   /// 1-based number of the line on which `part`, a view handed out by this source, begins.
-  /// Counted when asked for (linear in the text): meant for messages. 0 for a foreign view.
+  /// Counted when asked for, from the place last asked for on: meant for messages. 0 for a foreign
+  /// view.
   std::size_t lineNumber(std::string_view part) const;
 
   /// The whole line, uncut, around `part`; empty for a foreign view.
@@ -68,4 +69,6 @@ class TLTextSource {
   std::string text_;
   std::size_t position_ = 0;
   TLReadObserver* observer_ = nullptr;
+  mutable std::size_t countedTo_ = 0;  // new lines up to this place ...
+  mutable std::size_t counted_ = 0;    // ... are this many
 };

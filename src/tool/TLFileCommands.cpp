@@ -1,14 +1,20 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
 
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 #include "platform/TLHostForm.h"
 #include "textio/TLTextSink.h"
 #include "tool/TLCommands.h"
+#include "tool/TLDefinitionSummary.h"
 #include "tool/TLExitCode.h"
+#include "tool/TLFileKind.h"
+#include "tool/TLProjectFile.h"
+#include "tool/TLProjectSummary.h"
 #include "tool/TLTaskFile.h"
 
 namespace {
@@ -17,7 +23,21 @@ struct FileOptions {
   std::string kind;
   std::string input;
   std::string output;
+  bool json = false;
 };
+
+constexpr int kJsonVersion = 1;
+
+// The whole file: what there is to say about it, and all its blocks.
+void printJson(const std::string& path, TLFileKind kind, nlohmann::json summary,
+               std::string_view text) {
+  const nlohmann::json document{{"version", kJsonVersion},
+                                {"kind", nameOfKind(kind)},
+                                {"file", path},
+                                {"summary", std::move(summary)},
+                                {"content", blocksAsJson(text)}};
+  fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
+}
 
 void printArguments(const TLSubTask& step) {
   for (const auto& argument : step.arguments.entries()) {
@@ -43,16 +63,76 @@ void printStep(const TLSubTask& step, std::size_t position) {
   printArguments(step);
 }
 
-int checkTask(const FileOptions& options) {
+int showTask(const FileOptions& options) {
   TLTaskFile file(options.input);
   const bool good = file.read();
   fmt::print(stderr, "{}", file.report().text());
   if (!good) return TLExitCode::kStepFailed;
   const TLTask& task = file.task();
+  if (options.json) {
+    TLTextSink sink;
+    task.write(sink);
+    printJson(options.input, TLFileKind::task, nlohmann::json::object(), sink.text());
+    return TLExitCode::kOk;
+  }
   fmt::print("task {}\n  file         {}\n  computation  {}\n  steps        {}\n", task.name,
              options.input, task.computationPath(), task.subTaskCount());
   for (std::size_t i = 0; i < task.subTasks.size(); ++i) printStep(*task.subTasks[i], i);
   return TLExitCode::kOk;
+}
+
+// What a file holds, or only that it is good (`check`): remarks go to standard error.
+int showProject(const FileOptions& options) {
+  TLProjectFile file(options.input);
+  const bool good = file.read(TLDefinitionNeed::look, false);
+  fmt::print(stderr, "{}", file.report().text());
+  if (!good) return TLExitCode::kStepFailed;
+  const TLSummary summary = summaryOf(file.project());
+  if (options.json) {
+    printJson(options.input, TLFileKind::project, summary.json(), file.text());
+  } else {
+    fmt::print("{}", summary.text());
+  }
+  return TLExitCode::kOk;
+}
+
+int showDefinition(const FileOptions& options, TLFileKind kind, const std::string& text) {
+  TLFileReport report(options.input);
+  TLSummary summary;
+  const bool good = summarizeDefinition(kind, text, report, summary);
+  fmt::print(stderr, "{}", report.text());
+  if (!good) return TLExitCode::kStepFailed;
+  if (options.json) {
+    printJson(options.input, kind, summary.json(), text);
+  } else {
+    fmt::print("{}", summary.text());
+  }
+  return TLExitCode::kOk;
+}
+
+int showFile(const FileOptions& options) {
+  const auto text = hostForm().readFile(options.input);
+  if (!text) return showTask(options);  // says that it can't be opened
+  const TLFileKind kind = kindOfText(*text);
+  switch (kind) {
+    case TLFileKind::project:
+      return showProject(options);
+    case TLFileKind::task:
+    case TLFileKind::unknown:
+      return showTask(options);
+    default:
+      return showDefinition(options, kind, *text);
+  }
+}
+
+int rewriteProject(const FileOptions& options) {
+  TLProjectFile file(options.input);
+  const bool good = file.read(TLDefinitionNeed::rewrite, true);
+  if (!good) {
+    fmt::print(stderr, "{}", file.report().text());
+    return TLExitCode::kStepFailed;
+  }
+  return file.project().write(options.output) == 1 ? TLExitCode::kOk : TLExitCode::kStepFailed;
 }
 
 int rewriteTask(const FileOptions& options) {
@@ -75,23 +155,34 @@ std::vector<TLCommand> fileCommands() {
   return {
       {"check",
        "Read a file as the daemon would and say what it holds and what is wrong with it",
-       {"tlctl check heat.task", "tlctl check heat.task > summary.txt"},
+       {"tlctl check heat.task", "tlctl check fan/fan.run > summary.txt"},
        [](CLI::App& app) -> std::function<int()> {
          auto options = std::make_shared<FileOptions>();
-         app.add_option("FILE", options->input, "task file")->required();
-         return [options] { return checkTask(*options); };
+         app.add_option("FILE", options->input, "any file of the suite")->required();
+         return [options] { return showFile(*options); };
+       }},
+      {"show",
+       "Say what a file holds: task, project, run, steering and definition files",
+       {"tlctl show fan/fan.run", "tlctl show --json fan/fan.run"},
+       [](CLI::App& app) -> std::function<int()> {
+         auto options = std::make_shared<FileOptions>();
+         app.add_option("FILE", options->input, "any file of the suite")->required();
+         app.add_flag("--json", options->json, "all of it, as JSON");
+         return [options] { return showFile(*options); };
        }},
       {"rewrite",
        "Read a file and write it in its present form",
-       {"tlctl rewrite task old.task new.task"},
+       {"tlctl rewrite task old.task new.task", "tlctl rewrite project old.run new.run"},
        [](CLI::App& app) -> std::function<int()> {
          auto options = std::make_shared<FileOptions>();
          app.add_option("KIND", options->kind, "kind of file")
              ->required()
-             ->check(CLI::IsMember({"task"}));
+             ->check(CLI::IsMember({"task", "project"}));
          app.add_option("IN", options->input, "file to read")->required();
          app.add_option("OUT", options->output, "file to write")->required();
-         return [options] { return rewriteTask(*options); };
+         return [options] {
+           return options->kind == "task" ? rewriteTask(*options) : rewriteProject(*options);
+         };
        }},
   };
 }

@@ -77,6 +77,18 @@ void TLFileReport::badLine(const TLTextSource& source, std::string_view line,
   addAt(source, line, true, std::string(expected));
 }
 
+void TLFileReport::stoppedAt(const TLTextSource& source, std::string_view console) {
+  const auto lastLine = [](std::string_view text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) text.remove_suffix(1);
+    text.remove_prefix(text.rfind('\n') + 1);
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\r"), text.size()));
+    return text;
+  };
+  const std::string_view reason = lastLine(console);
+  addAt(source, lastLine(source.text().substr(0, source.position())), true,
+        reason.empty() ? "this is not understood" : std::string(reason));
+}
+
 void TLFileReport::add(bool isFault, std::string message) {
   TLFileRemark remark;
   remark.isFault = isFault;

@@ -29,6 +29,10 @@ class TLFileReport : public TLReadObserver {
   void badLine(const TLTextSource& source, std::string_view line,
                std::string_view expected) override;
 
+  /// A fault at the last line that was taken: where a reading has stopped without a word to the
+  /// observer. `console` is what it printed; its last line is the reason.
+  void stoppedAt(const TLTextSource& source, std::string_view console);
+
   /// A remark on the file as a whole.
   void add(bool isFault, std::string message);
 

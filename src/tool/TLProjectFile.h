@@ -1,0 +1,41 @@
+#pragma once
+
+#include <sstream>
+#include <string>
+
+#include "project/TLProject.h"
+#include "tool/TLFileReport.h"
+
+/// What a command needs the solvers' definitions for.
+enum class TLDefinitionNeed {
+  look,    ///< only looks at the file: goes without what is missing, and says so
+  rewrite  ///< writes the file again: refuses when something of it would be lost
+};
+
+/// A project or run file as the daemon's own records read it, with what there is to say about it.
+/// Unlike the daemon it neither waits for definition files nor ends because of one.
+class TLProjectFile {
+ public:
+  explicit TLProjectFile(std::string path);
+
+  /// True when the file could be read. The readers' own console text goes to standard output when
+  /// `echo` is set and nowhere otherwise.
+  bool read(TLDefinitionNeed need, bool echo);
+
+  TLProject& project() { return *project_; }
+  const TLProject& project() const { return *project_; }
+  const std::string& path() const { return path_; }
+  const std::string& text() const { return text_; }
+  TLFileReport& report() { return report_; }
+  const TLFileReport& report() const { return report_; }
+
+ private:
+  bool definitionsSuffice(TLDefinitionNeed need);
+  std::string missingDefinitions() const;
+  bool readText(const std::ostringstream* unheard);
+
+  std::string path_;
+  std::string text_;
+  Handle<TLProject> project_;
+  TLFileReport report_;
+};
