@@ -2,6 +2,7 @@
 
 #include "../platform/TTempDir.h"
 #include "TEngineTest.h"
+#include "platform/TLHostForm.h"
 #include "taskengine/TLStatusFile.h"
 
 namespace {
@@ -177,6 +178,23 @@ TEST_F(MarineStatusTest, EachStepHasItsBlockAndPlace) {
   TLSubTask& check = addRunning("CHECKSTATUS", "tool", {7});
   EXPECT_FALSE(check.isRunning());
   EXPECT_EQ(check.status, S::FinishedOk);
+}
+
+TEST_F(MarineStatusTest, TheWin32FormHasItsOwnPaths) {
+  auto former = exchangeHostForm(makeWin32Form(dir_.path()));
+  task->localComputationPath = "C:/sub";
+  task->computationFileName = "x.sim";
+  put("premetis", "finished", 0, "sub/");
+  TLSubTask& step = addRunning("PREMETIS", "premetis", {7});
+  EXPECT_FALSE(step.isRunning());
+  EXPECT_FALSE(dir_.has("sub/lockStatus"));
+  put("postmetis", "failed", 0, "other/");
+  TLSubTask& post = addRunning("POSTMETIS", "postmetis", {8});
+  argument(post, "none", "-sim=C:\\other\\x.sim");
+  EXPECT_FALSE(post.isRunning());
+  exchangeHostForm(std::move(former));
+  EXPECT_EQ(step.status, S::FinishedOk);
+  EXPECT_EQ(post.status, S::FinishedKo);
 }
 
 TEST_F(MarineStatusTest, AnEntryThatIsNotThereLeavesTheProcess) {
