@@ -101,6 +101,8 @@ class TLHostForm {
   /// refused. What is no regular file (a pipe, a terminal) is written to as it is.
   virtual int replaceFile(std::string_view path, std::string_view text) = 0;
   virtual bool makeDirectory(std::string_view path) = 0;
+  /// As makeDirectory, for this user alone. One that is there already stays as it is.
+  virtual bool makePrivateDirectory(std::string_view path) = 0;
   /// True when files can be made in `directory`, which must exist; the empty name is the working
   /// directory.
   virtual bool canMakeFilesIn(std::string_view directory) const = 0;

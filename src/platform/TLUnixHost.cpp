@@ -19,6 +19,7 @@ namespace {
 constexpr int kLargestRandom = 32767;
 constexpr mode_t kNewFile = 0666;
 constexpr mode_t kNewDirectory = 0777;
+constexpr mode_t kPrivateDirectory = 0700;
 
 int writeAll(int file, std::string_view text) {
   while (!text.empty()) {
@@ -137,6 +138,10 @@ int TLUnixHost::replaceFile(std::string_view path, std::string_view text) {
 
 bool TLUnixHost::makeDirectory(std::string_view path) {
   return mkdir(realPath(path).c_str(), kNewDirectory) == 0;
+}
+
+bool TLUnixHost::makePrivateDirectory(std::string_view path) {
+  return mkdir(realPath(path).c_str(), kPrivateDirectory) == 0;
 }
 
 void TLUnixHost::listDirectory(std::string_view directory, std::vector<std::string>& names) const {

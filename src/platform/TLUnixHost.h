@@ -19,6 +19,7 @@ class TLUnixHost : public TLHostForm {
   std::optional<std::string> readFile(std::string_view path) const override;
   int replaceFile(std::string_view path, std::string_view text) override;
   bool makeDirectory(std::string_view path) override;
+  bool makePrivateDirectory(std::string_view path) override;
   bool canMakeFilesIn(std::string_view directory) const override;
   void listDirectory(std::string_view directory, std::vector<std::string>& names) const override;
   std::unique_ptr<TLLockFile> acquireLock(std::string_view path) override;

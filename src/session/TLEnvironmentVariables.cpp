@@ -211,15 +211,15 @@ class SetUp {
   void setHome() {
     home_ = form_.homeDirectory();
     set("HOME", home_);
-    form_.makeDirectory(home_ + separated("/.talven"));
-    form_.makeDirectory(home_ + separated("/.talven/pvm"));
+    form_.makePrivateDirectory(home_ + separated("/.talven"));
+    form_.makePrivateDirectory(home_ + separated("/.talven/pvm"));
   }
 
   void setTemporaryDirectory() {
     RWCString directory = form_.variableOrEmpty("TMP_DIR");
     if (directory.empty()) {
       directory = home_ + separated("/.talven/tmp");
-      form_.makeDirectory(directory);
+      form_.makePrivateDirectory(directory);
     }
     if (!directory.ends_with(form_.separator())) directory += form_.separator();
     set("TMP_DIR", directory);
@@ -243,7 +243,7 @@ class SetUp {
       console() << "ERROR!!  %PVM_TMP% environment variable not defined !!!\n" << std::flush;
       std::exit(0);
     }
-    form_.makeDirectory(*directory);
+    form_.makePrivateDirectory(*directory);
   }
 
   TLHostForm& form_ = hostForm();

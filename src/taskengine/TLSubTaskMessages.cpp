@@ -9,7 +9,6 @@
 #include "taskengine/TLReports.h"
 #include "taskengine/TLSubTask.h"
 #include "taskengine/TLTaskGlobals.h"
-#include "taskengine/TLTaskPaths.h"
 
 namespace {
 
@@ -152,7 +151,7 @@ void TLSubTask::removeSemaphores() {
   const RWCString id = std::to_string(firstProcessId());
   reportWord("REMOVE_SEMAPHORE_" + id);
   const auto remove = [&](const RWCString& host) {
-    hostForm().runSystem("tlrsh -n " + shellWord(host) + " killsem " + id);
+    hostForm().runSystem("tlrsh -n " + hostForm().bare(host) + " killsem " + id);
   };
   // Each repetition names the first host: its tool works through all of them in turn.
   const RWCString first = loadBalancing.processName(0);

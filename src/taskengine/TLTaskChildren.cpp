@@ -6,11 +6,11 @@
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
+#include "platform/TLHostForm.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLMessageItems.h"
 #include "taskengine/TLReports.h"
 #include "taskengine/TLTaskGlobals.h"
-#include "taskengine/TLTaskPaths.h"
 
 namespace {
 
@@ -192,5 +192,5 @@ void TLTaskChildren::touchStopFile(TLSubTask& step) {
   if (const auto found = file.find(runSuffix); found != RWCString::npos) {
     file.replace(found, runSuffix.size(), ".stop");
   }
-  remoteExec(step.hostName, "touch " + shellWord(file), step.remoteLogin, "");
+  remoteExec(step.hostName, "touch " + hostForm().bare(file), step.remoteLogin, "");
 }
