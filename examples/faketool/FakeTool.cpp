@@ -25,6 +25,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr std::int32_t kSuspend = 11;
 constexpr double kAnswerSeconds = 10.0;
+constexpr double kKeepSeconds = 60.0;
 
 void packInt(std::int32_t value) {
   pvm_pkint(&value, 1, 1);
@@ -134,6 +135,8 @@ const std::vector<FakeTool::Command>& FakeTool::commands() {
        [](FakeTool& t, const Words& w) { return t.wait(w); }},
       {"await", "await CODE [SECONDS]    waits for this message", 1, false,
        [](FakeTool& t, const Words& w) { return t.await(w); }},
+      {"keep", "keep CODE PATH          waits for this message, writes its contents as they came",
+       2, true, [](FakeTool& t, const Words& w) { return t.keep(w); }},
       {"ignore", "ignore stop|suspend     stays when it is to end", 1, false,
        [](FakeTool& t, const Words& w) { return t.ignore(w); }},
       {"lock", "lock PATH               takes the lock beside the status file at PATH", 1, true,
@@ -306,6 +309,28 @@ bool FakeTool::await(const Words& words) {
   const double seconds = words.size() > 1 ? std::atof(words[1].c_str()) : kAnswerSeconds;
   if (receive(std::atoi(words[0].c_str()), seconds) == 0) std::printf("nothing received\n");
   return true;
+}
+
+// All that PVM packs is made of units of four bytes, which can be taken out as integers whatever
+// they are. The file appears whole.
+bool FakeTool::keep(const Words& words) {
+  const std::int32_t code = std::atoi(words[0].c_str());
+  if (receive(code, kKeepSeconds) != code) return true;
+  int size = 0;
+  int tag = 0;
+  int source = 0;
+  pvm_bufinfo(pvm_getrbuf(), &size, &tag, &source);
+  const std::string beside = words[1] + ".new";
+  std::ofstream out(beside, std::ios::binary);
+  for (int unit = 0; unit < size / 4; ++unit) {
+    int value = 0;
+    pvm_upkint(&value, 1, 1);
+    for (int shift = 24; shift >= 0; shift -= 8) {
+      out.put(static_cast<char>(static_cast<unsigned>(value) >> shift));
+    }
+  }
+  out.close();
+  return std::rename(beside.c_str(), words[1].c_str()) == 0;
 }
 
 bool FakeTool::ignore(const Words& words) {

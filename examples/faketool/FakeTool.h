@@ -40,6 +40,7 @@ class FakeTool {
   bool flood(const Words& words);
   bool wait(const Words& words);
   bool await(const Words& words);
+  bool keep(const Words& words);
   bool ignore(const Words& words);
   bool die(const Words& words);
   bool end(const Words& words);
