@@ -293,6 +293,9 @@ Handle<TLBCParameters> TLBCParameters::clone() const {
 void TLBCParameters::takeValues(const TLBCParameters& other) {
   bcParametersIndex = other.bcParametersIndex;
   name = other.name;
+  if (bcType == "UNDEFINED") bcType = other.bcType;
+  if (type == "UNDEFINED") type = other.type;
+  if (condition == "none") condition = other.condition;
   localSystem = other.localSystem;
   localLiftDirection = other.localLiftDirection;
   localDragDirection = other.localDragDirection;

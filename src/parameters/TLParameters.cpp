@@ -56,6 +56,18 @@ void dropWords(std::int32_t count, TLTextSource& stream) {
   for (std::int32_t i = 0; i < count && !stream.atEnd(); ++i) stream.readWord();
 }
 
+// For whoever wants to know what a reading drops.
+void tellDropped(const TLTextSource& stream, std::string_view descriptor) {
+  static const std::vector<std::string_view> names = [] {
+    std::vector<std::string_view> known;
+    for (std::size_t i = 0; i < namedMemberCount(); ++i) known.push_back(namedMemberRow(i).name);
+    return known;
+  }();
+  if (stream.observer() != nullptr) {
+    stream.observer()->passedOver(stream, descriptor, "solver_parameters", names);
+  }
+}
+
 // True when the next word closes a block. It is left where it stands.
 bool atBlockEnd(TLTextSource& stream) {
   constexpr std::string_view kClosing = "tl_end";
@@ -127,7 +139,7 @@ void TLParameters::fillAt(Place place, std::size_t count, std::string_view first
   }
 }
 
-void TLParameters::addGeneric(const TLDescriptor& parsed, std::string_view descriptor,
+bool TLParameters::addGeneric(const TLDescriptor& parsed, std::string_view descriptor,
                               const Handle<TLParametersDataBaseInfo>& info, TLTextSource& stream) {
   const auto count = static_cast<std::size_t>(parsed.count);
   const auto add = [&](auto& list) {
@@ -142,7 +154,10 @@ void TLParameters::addGeneric(const TLDescriptor& parsed, std::string_view descr
     add(ints_);
   } else if (parsed.type == TLParameterType::real) {
     add(reals_);
+  } else {
+    return false;
   }
+  return true;
 }
 
 // Start --------------------------------------------------------------------------------------
@@ -215,12 +230,14 @@ bool TLParameters::readChanged(Place place, std::string_view descriptor, const T
   const RWCString& known =
       isInteger ? ints_[place.index].descriptor : reals_[place.index].descriptor;
   if (known == descriptor) return false;
-  if (parsed.type == TLParameterType::text || parsed.type == TLParameterType::unknown) return true;
-  if (parsed.count < TLDescriptor::parse(known).count) {
+  const bool hasWords =
+      parsed.type == TLParameterType::integer || parsed.type == TLParameterType::real;
+  if (hasWords && parsed.count < TLDescriptor::parse(known).count) {
     fillAt(place, static_cast<std::size_t>(parsed.count), first, stream);
-  } else {
-    dropWords(parsed.count - 1, stream);
+    return true;
   }
+  if (hasWords) dropWords(parsed.count - 1, stream);
+  tellDropped(stream, descriptor);
   return true;
 }
 
@@ -281,12 +298,10 @@ void TLParameters::readValue(std::string_view descriptor, std::string_view first
     setReals(descriptor, {realFrom(firstValue)});
     return;
   }
-  if (stream.observer() != nullptr) {
-    stream.observer()->passedOver(stream, descriptor, "solver_parameters", {});
-  }
   if (parsed.type == TLParameterType::integer || parsed.type == TLParameterType::real) {
     dropWords(parsed.count - 1, stream);
   }
+  tellDropped(stream, descriptor);
 }
 
 // Writing ------------------------------------------------------------------------------------

@@ -94,7 +94,9 @@ class TLParameters : public RefCounted {
   };
 
   bool hasGeneric(std::string_view name) const;
-  void addGeneric(const TLDescriptor& parsed, std::string_view descriptor,
+  /// Adds a generic parameter with its values from the stream. False, and nothing is read, for one
+  /// that is neither integer nor real.
+  bool addGeneric(const TLDescriptor& parsed, std::string_view descriptor,
                   const Handle<TLParametersDataBaseInfo>& info, TLTextSource& stream);
   void applyFixedSettings();
 

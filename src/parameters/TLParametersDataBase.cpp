@@ -46,7 +46,9 @@ RWCString TLParametersDataBase::definitionPath() {
 
 bool TLParametersDataBase::mayDoWithout_ = false;
 
-void TLParametersDataBase::doWithout() { mayDoWithout_ = true; }
+void TLParametersDataBase::doWithout() {
+  mayDoWithout_ = true;
+}
 
 RWCString TLParametersDataBase::problem() {
   const RWCString path = definitionPath();
@@ -106,7 +108,10 @@ bool TLParametersDataBase::readDefinition(TLTextSource& stream) {
         setByDescriptor(descriptor, stream.readWord(), stream);
         break;
       case Kind::generic:
-        addGeneric(TLDescriptor::parse(descriptor), descriptor, info, stream);
+        if (!addGeneric(TLDescriptor::parse(descriptor), descriptor, info, stream) &&
+            stream.observer() != nullptr) {
+          stream.observer()->passedOver(stream, descriptor, "velstra.def", {});
+        }
     }
     stream.skipLine();
     info = makeHandle<TLParametersDataBaseInfo>();

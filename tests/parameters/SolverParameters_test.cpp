@@ -198,6 +198,31 @@ TEST_F(SolverBlock, TakesWhatTheDefinitionKnows) {
   EXPECT_THAT(base_->integers("BETA"), ElementsAre(1, 2, 3));
 }
 
+TEST_F(SolverBlock, WhatIsDroppedIsToldToAnObserver) {
+  struct Observer : TLReadObserver {
+    void passedOver(const TLTextSource& source, std::string_view line, std::string_view /*record*/,
+                    std::span<const std::string_view> words) override {
+      dropped.push_back(std::to_string(source.lineNumber(line)) + ' ' + std::string(line));
+      EXPECT_GT(words.size(), 200U);
+    }
+    void skippedBlock(const TLTextSource& /*source*/, std::string_view /*line*/,
+                      std::string_view /*record*/) override {}
+    void badLine(const TLTextSource& /*source*/, std::string_view /*line*/,
+                 std::string_view /*expected*/) override {}
+    std::vector<std::string> dropped;
+  } observer;
+  TLTextSource source(block({{"IROVAR,I,1,1,0", "1"},
+                             {"IROVAX,I,1,1,0", "1"},
+                             {"RHO,R,1,3,0", "1 2 3"},
+                             {"TITLE,L,1,1,0", "a b"},
+                             {"BETA,I,1,2,0", "1 2"}}));
+  source.setObserver(&observer);
+  TLParameters parameters;
+  EXPECT_EQ(parameters.read(source), 1);
+  EXPECT_THAT(observer.dropped,
+              ElementsAre("4 IROVAX,I,1,1,0", "6 RHO,R,1,3,0", "8 TITLE,L,1,1,0"));
+}
+
 TEST_F(SolverBlock, CountsThatLie) {
   TLParameters parameters;
   TLTextSource few("VELSTRA,L,1,0, 1\nIROVAR,I,1,1,0\n7\nISVEGL,I,1,1,0\n9\n");
