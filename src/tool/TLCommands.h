@@ -13,8 +13,9 @@
 /// @{
 std::vector<TLCommand> runCommands();      ///< run, start, attach, watch
 std::vector<TLCommand> controlCommands();  ///< status, stop, suspend, save, replay, exit, list
-std::vector<TLCommand> fileCommands();     ///< check, rewrite
+std::vector<TLCommand> fileCommands();     ///< check, show, rewrite
 std::vector<TLCommand> planCommands();     ///< plan
+std::vector<TLCommand> unitsCommands();    ///< units
 /// @}
 
 /// The live daemon that `who` means, with this process enrolled in the virtual machine. None, with

@@ -36,7 +36,7 @@ std::string exampleText(const TLCommand& command) {
 std::vector<TLCommand> allCommands() {
   std::vector<TLCommand> commands;
   for (const auto group :
-       {runCommands, controlCommands, fileCommands, planCommands, balanceCommands}) {
+       {runCommands, controlCommands, fileCommands, planCommands, balanceCommands, unitsCommands}) {
     for (auto& command : group()) commands.push_back(std::move(command));
   }
   return commands;

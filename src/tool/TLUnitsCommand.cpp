@@ -1,0 +1,129 @@
+#include <fmt/format.h>
+#include <CLI/CLI.hpp>
+#include <nlohmann/json.hpp>
+
+#include <charconv>
+#include <cstdio>
+#include <iostream>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "parameters/TLUnitsDataBase.h"
+#include "platform/TLConsole.h"
+#include "platform/TLHostForm.h"
+#include "textio/TLNumbers.h"
+#include "tool/TLCommands.h"
+#include "tool/TLExitCode.h"
+#include "tool/TLFileReport.h"
+
+namespace {
+
+constexpr int kJsonVersion = 1;
+
+struct UnitsOptions {
+  double value = 0.0;
+  std::string from;
+  std::string to;
+  std::string quantity;
+  bool json = false;
+};
+
+int refuse(const std::string& reason) {
+  fmt::print(stderr, "tlctl units: {}\n", reason);
+  return TLExitCode::kStepFailed;
+}
+
+// Reads the units of VELSTRA_DIR without ending the process when there are none.
+bool readUnits(TLUnitsDataBase& units) {
+  const std::string path = hostForm().variableOrEmpty("VELSTRA_DIR") + "/velstra.uni";
+  auto text = hostForm().readFile(path);
+  if (!text) {
+    refuse(path + " can't be read; set VELSTRA_DIR to the flow solver's directory");
+    return false;
+  }
+  TLFileReport report(path);
+  TLTextSource source(std::move(*text));
+  source.setObserver(&report);
+  const TLConsoleRedirect redirect(std::cerr);
+  if (units.read(source) == 1) return true;
+  fmt::print(stderr, "{}", report.text());
+  return false;
+}
+
+std::string namesOf(const TLUnits& units) {
+  std::string names;
+  for (const auto& name : units.unitsNames) names += (names.empty() ? "" : ", ") + name;
+  return names;
+}
+
+// Place of a unit, told by its name or by its number from 0.
+std::optional<std::int32_t> placeOf(const TLUnits& units, const std::string& unit) {
+  const auto count = static_cast<std::int32_t>(units.unitsNames.size());
+  for (std::int32_t i = 0; i < count; ++i) {
+    if (units.unitsName(i) == unit) return i;
+  }
+  std::int32_t place = 0;
+  const auto* end = unit.data() + unit.size();
+  const auto [rest, error] = std::from_chars(unit.data(), end, place);
+  if (error == std::errc() && rest == end && place >= 0 && place < count) return place;
+  return std::nullopt;
+}
+
+int convert(const UnitsOptions& options) {
+  TLUnitsDataBase base;
+  if (!readUnits(base)) return TLExitCode::kStepFailed;
+  const auto units = base.find(options.quantity);
+  if (!units) {
+    std::string known;
+    for (const auto& record : base.records) {
+      known += (known.empty() ? "" : ", ") + record->valueUnitsName;
+    }
+    return refuse(fmt::format("no quantity \"{}\"; there are: {}", options.quantity, known));
+  }
+  const auto from = placeOf(*units, options.from);
+  const auto to = placeOf(*units, options.to);
+  if (!from || !to) {
+    return refuse(fmt::format("\"{}\" is no unit of {}; there are: {}",
+                              !from ? options.from : options.to, options.quantity,
+                              namesOf(*units)));
+  }
+  const double factor = units->factor(*from, *to);
+  if (factor == 0.0) {
+    return refuse(fmt::format("the units file has no factor from {} to {}", units->unitsName(*from),
+                              units->unitsName(*to)));
+  }
+  const double result = options.value * factor;
+  if (options.json) {
+    const nlohmann::json document{{"version", kJsonVersion},
+                                  {"quantity", options.quantity},
+                                  {"from", units->unitsName(*from)},
+                                  {"to", units->unitsName(*to)},
+                                  {"factor", factor},
+                                  {"value", options.value},
+                                  {"result", result}};
+    fmt::print("{}\n", document.dump(2));
+  } else {
+    fmt::print("{:.10g} {}\n", result, units->unitsName(*to));
+  }
+  return TLExitCode::kOk;
+}
+
+}  // namespace
+
+std::vector<TLCommand> unitsCommands() {
+  return {{"units",
+           "Convert a value between the units of a quantity",
+           {"tlctl units 25.4 mm m --quantity length", "tlctl units 3000 1 0 --quantity length"},
+           [](CLI::App& app) -> std::function<int()> {
+             auto options = std::make_shared<UnitsOptions>();
+             app.add_option("VALUE", options->value, "the value")->required();
+             app.add_option("FROM", options->from, "its unit: name, or number from 0")->required();
+             app.add_option("TO", options->to, "the unit to give it in")->required();
+             app.add_option("--quantity", options->quantity, "the quantity, such as length")
+                 ->required();
+             app.add_flag("--json", options->json, "as JSON");
+             return [options] { return convert(*options); };
+           }}};
+}
