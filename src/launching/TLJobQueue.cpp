@@ -1,23 +1,16 @@
 #include "launching/TLJobQueue.h"
 
-namespace {
+#include "launching/TLQueuingSystem.h"
 
-class NoQueue : public TLJobQueue {
- public:
-  int submit(TLSubTask& /*step*/, const RWCString& /*precision*/, std::int32_t& job) override {
-    job = 0;
-    return kNothingToSubmit;
-  }
-  void deleteJobs(TLSubTask& /*step*/) override {}
-};
+namespace {
 
 TLJobQueue* gQueue = nullptr;
 
 }  // namespace
 
 TLJobQueue& jobQueue() {
-  static NoQueue none;
-  return gQueue == nullptr ? none : *gQueue;
+  static TLQueuingSystem system;
+  return gQueue == nullptr ? system : *gQueue;
 }
 
 void setJobQueue(TLJobQueue* queue) {

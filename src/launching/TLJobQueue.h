@@ -26,8 +26,8 @@ class TLJobQueue {
   virtual void deleteJobs(TLSubTask& step) = 0;
 };
 
-/// The one of the process; before one is set, one that knows no queuing system and submits nothing.
+/// The one of the process: the real queuing systems (TLQueuingSystem.h) unless another is set.
 TLJobQueue& jobQueue();
 
-/// Sets it. Not owned, must outlive its use; null for the one that submits nothing.
+/// Puts another in its place, for tests. Not owned, must outlive its use; null for the real one.
 void setJobQueue(TLJobQueue* queue);

@@ -108,7 +108,7 @@ class OrdinaryLaunch {
   }
 
   void conclude(int result, std::int32_t child) {
-    if (result == TLSubTask::kCopyFailed && draft_.queued()) return;  // told by the transfer
+    if (result == TLSubTask::kCopyFailed && draft_.queued()) return;  // told already
     if (result != 0) {
       tellScript(messageLine("___________CANNOT_SPAWN"));
       step_.status = TLSubTask::FinishedKo;

@@ -44,7 +44,8 @@ TLCommandResult runToEnd(const std::string& program, const std::vector<std::stri
   SpawnActions actions;
   TLFileDescriptor output;
   if (!outputFile.empty()) {
-    output = TLFileDescriptor(::open(outputFile.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC,
+    output = TLFileDescriptor(::open(outputFile.c_str(),
+                                     O_RDWR | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC,
                                      static_cast<mode_t>(0666)));
     if (!output.open()) return {false, errno};
     actions.redirect(output.get(), STDOUT_FILENO);

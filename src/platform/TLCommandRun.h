@@ -12,7 +12,8 @@ struct TLCommandResult {
 
 /// Starts `program` (found along PATH when it names no directory) with `words` as its whole
 /// argument vector, waits for it, and tells its end. Standard input is this process's; standard
-/// output and error go to `outputFile`, created or emptied, unless that is empty.
+/// output and error go to `outputFile`, created or emptied, unless that is empty; a
+/// symbolic link in its place is refused (ELOOP).
 TLCommandResult runToEnd(const std::string& program, const std::vector<std::string>& words,
                          const std::string& outputFile);
 

@@ -77,7 +77,7 @@ class TLHostForm {
   /// @name Processes.
   /// @{
   /// Runs a command line and waits for it. Standard output and error go to `outputFile`, created
-  /// or emptied, unless that name is empty. Answers the exit code (128 and the signal's number for
+  /// or emptied, unless that name is empty; a symbolic link is refused. Answers the exit code (128 and the signal's number for
   /// a process that a signal ended); a start that failed answers an error code and sets `started`
   /// false.
   virtual int runRedirected(std::string_view command, std::string_view outputFile,
@@ -92,6 +92,8 @@ class TLHostForm {
   /// @name Files.
   /// @{
   virtual bool canRead(std::string_view path) const = 0;
+  /// True when the name itself is a symbolic link, wherever that leads.
+  virtual bool isLink(std::string_view path) const = 0;
   /// True when an existing file can be opened for reading and writing; else `error` is the errno.
   virtual bool canWrite(std::string_view path, int& error) const = 0;
   virtual std::optional<std::string> readFile(std::string_view path) const = 0;

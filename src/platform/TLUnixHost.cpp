@@ -94,6 +94,11 @@ bool TLUnixHost::canRead(std::string_view path) const {
   return TLFileDescriptor(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC)).open();
 }
 
+bool TLUnixHost::isLink(std::string_view path) const {
+  struct stat about {};
+  return lstat(realPath(path).c_str(), &about) == 0 && S_ISLNK(about.st_mode);
+}
+
 bool TLUnixHost::canMakeFilesIn(std::string_view directory) const {
   return ::access(directory.empty() ? "." : realPath(directory).c_str(), W_OK | X_OK) == 0;
 }

@@ -15,6 +15,7 @@ class TLUnixHost : public TLHostForm {
   int runWords(const std::vector<std::string>& words) override;
 
   bool canRead(std::string_view path) const override;
+  bool isLink(std::string_view path) const override;
   bool canWrite(std::string_view path, int& error) const override;
   std::optional<std::string> readFile(std::string_view path) const override;
   int replaceFile(std::string_view path, std::string_view text) override;

@@ -43,7 +43,8 @@ void TLRunRecorder::update(const TLTask& task) {
   for (std::size_t i = 0; i < task.subTasks.size(); ++i) {
     const TLSubTask& step = *task.subTasks[i];
     const Seen now{step.status, step.children.size(),
-                   step.children.empty() ? 0 : step.children.front(), step.endReason.size()};
+                   step.children.empty() ? 0 : step.children.front(), step.endReason.size(),
+                   step.queueState};
     if (now == seen_[i]) continue;
     seen_[i] = now;
     record(task, i);
@@ -65,6 +66,7 @@ void TLRunRecorder::record(const TLTask& task, std::size_t position) {
   entry.queue = step.loadBalancing.queuingSystemActivated;
   entry.jobNumber = step.isQueued() && !step.children.empty() ? step.children.front() : 0;
   entry.reason = step.endReason;
+  entry.queueState = step.queueState;
 }
 
 void TLRunRecorder::forget() {

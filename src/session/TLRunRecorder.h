@@ -27,6 +27,7 @@ class TLRunRecorder {
     std::size_t childCount = 0;
     std::int32_t firstChild = 0;
     std::size_t reasonLength = 0;
+    RWCString queueState;
     bool operator==(const Seen&) const = default;
   };
 

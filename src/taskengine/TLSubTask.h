@@ -179,6 +179,9 @@ class TLSubTask : public RefCounted {
   /// Why the step ended, in words for people; empty as long as it hasn't. Not part of the record's
   /// file.
   RWCString endReason;
+  /// The queuing system's own word for the state of the job, as last seen ("qw", "RUN"); empty
+  /// when none was seen. Not part of the record's file.
+  RWCString queueState;
 
  private:
   bool isJobRunning();
@@ -193,4 +196,5 @@ class TLSubTask : public RefCounted {
   void resetSteering(std::int32_t tid);
 
   Handle<TLTask> parentTask_;
+  RWCString queueAnswer_;  ///< what the queuing system said last
 };

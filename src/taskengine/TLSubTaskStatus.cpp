@@ -3,6 +3,7 @@
 
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
+#include "platform/TLConsole.h"
 #include "taskengine/TLJobQuery.h"
 #include "taskengine/TLMarineStatus.h"
 #include "taskengine/TLStatusFile.h"
@@ -31,13 +32,21 @@ bool TLSubTask::isRunning() {
 }
 
 bool TLSubTask::isJobRunning() {
-  switch (queryJob(loadBalancing.queuingSystemActivated, child(0), hostName, remoteLogin)) {
+  const TLJobAnswer answer =
+      queryJob(loadBalancing.queuingSystemActivated, child(0), hostName, remoteLogin);
+  if (answer.odd && answer.said != queueAnswer_) {
+    console() << "the queuing system on job " << child(0) << ": " << answer.said << '\n'
+              << std::flush;
+  }
+  queueAnswer_ = answer.said;
+  if (!answer.word.empty()) queueState = answer.word;
+  switch (answer.state) {
     case TLJobState::running:
       status = Running;
       break;
     case TLJobState::finished:
       status = FinishedOk;
-      endReason = "the queuing system no longer has the job";
+      endReason = "the queuing system says of its job: " + answer.said;
       break;
     case TLJobState::unknown:
       break;

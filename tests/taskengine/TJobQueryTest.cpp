@@ -31,9 +31,50 @@ TEST(JobStateTest, IsReadAsEachSystemSaysIt) {
   };
   for (const auto& test : cases) {
     SCOPED_TRACE(test.answer);
-    EXPECT_EQ(sgeJobState(test.answer), test.sge);
-    EXPECT_EQ(pbsJobState(test.answer, 42), test.pbs);
-    EXPECT_EQ(lsfJobState(test.answer), test.lsf);
+    EXPECT_EQ(sgeJobState(test.answer).state, test.sge);
+    EXPECT_EQ(pbsJobState(test.answer, 42).state, test.pbs);
+    EXPECT_EQ(lsfJobState(test.answer).state, test.lsf);
+  }
+}
+
+// Answers of Grid Engine 8.1.9 and of the faces of Slurm 22.05, shortened.
+TEST(JobStateTest, TellsTheQueuesOwnWordAndWhatIsOdd) {
+  const std::string sge = "=====\njob_number:                 7\njob_name:    comp042\n";
+  struct Case {
+    TLJobAnswer answer;
+    TLJobState state;
+    const char* word;
+    const char* said;
+    bool odd;
+  };
+  const Case cases[] = {
+      {sgeJobState(sge), TLJobState::running, "qw", "=====", false},
+      {sgeJobState(sge + "usage         1:   cpu=00:00:00\n"), TLJobState::running, "r",
+       "=====", false},
+      {sgeJobState(sge + "error reason    1:  can't open /x\n"), TLJobState::running, "Eqw",
+       "error reason    1:  can't open /x", true},
+      {sgeJobState("error: commlib error: got select error (Connection refused)\n"),
+       TLJobState::running, "", "error: commlib error: got select error (Connection refused)",
+       true},
+      {sgeJobState("Following jobs do not exist: \n7\n"), TLJobState::finished, "",
+       "Following jobs do not exist: ", true},
+      {pbsJobState("Job id  Name\n------ ----\n7.vm  comp042 me 00:00:00 Q batch\n", 7),
+       TLJobState::running, "Q", "7.vm  comp042 me 00:00:00 Q batch", false},
+      {pbsJobState("Connection refused, port 15007\n", 7), TLJobState::running, "",
+       "Connection refused, port 15007", true},
+      {pbsJobState("qstat: Unknown Job Id 7.vm\n", 7), TLJobState::finished, "",
+       "qstat: Unknown Job Id 7.vm", true},
+      {lsfJobState("JOBID USER STAT\n7 me PEND batch vm comp042\n"), TLJobState::running, "PEND",
+       "7 me PEND batch vm comp042", false},
+      {lsfJobState("Job <7> is not found\n"), TLJobState::unknown, "", "Job <7> is not found",
+       true},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.said);
+    EXPECT_EQ(test.answer.state, test.state);
+    EXPECT_EQ(test.answer.word, test.word);
+    EXPECT_EQ(test.answer.said, test.said);
+    EXPECT_EQ(test.answer.odd, test.odd);
   }
 }
 

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "launching/TLJobQueue.h"
+
+/// The queuing systems SGE, PBS and LSF by their own commands, run on the step's host.
+class TLQueuingSystem : public TLJobQueue {
+ public:
+  int submit(TLSubTask& step, const RWCString& precision, std::int32_t& job) override;
+  void deleteJobs(TLSubTask& step) override;
+};
+
+/// The command line that submits the script at `path`; empty for an unknown kind.
+RWCString submitCommand(std::int32_t kind, const RWCString& path);
