@@ -62,7 +62,7 @@ struct TLParameterKeys {
   }
 
   static void writeNumber(const P& parameter, TLTextSink& sink, std::string_view literal) {
-    const bool two = parameter.value.columns() > 1 ||
+    const bool two = parameter.value.columns() != 1 ||
                      std::ranges::find(kTwoNumbers, parameter.name) != std::end(kTwoNumbers);
     sink << literal << parameter.value.rows();
     if (two) sink << ' ' << parameter.value.columns();

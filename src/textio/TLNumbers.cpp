@@ -2,16 +2,21 @@
 
 #include <charconv>
 #include <cstdlib>
+#include <cstring>
 #include <string>
 #include <system_error>
 
 namespace {
 
-bool isDigit(char c) { return c >= '0' && c <= '9'; }
+bool isDigit(char c) {
+  return c >= '0' && c <= '9';
+}
 
 // What from_chars cannot do as atof does: a plus sign, leading white space, hexadecimal digits,
 // and numbers beyond the range of a double.
-double slowReal(std::string_view text) { return std::atof(std::string(text).c_str()); }
+double slowReal(std::string_view text) {
+  return std::atof(std::string(text).c_str());
+}
 
 }  // namespace
 
@@ -41,9 +46,29 @@ double realFrom(std::string_view text) {
   return slowReal(text);
 }
 
+namespace {
+
+// Eight characters at a time: each "A" to "Z" among them in lower case.
+std::uint64_t lowerCase8(const char* text) {
+  constexpr std::uint64_t kOnes = 0x0101010101010101U;
+  std::uint64_t bytes = 0;
+  std::memcpy(&bytes, text, sizeof bytes);
+  const std::uint64_t low = bytes & (0x7f * kOnes);
+  const std::uint64_t fromA = low + (0x80 - 'A') * kOnes;
+  const std::uint64_t behindZ = low + (0x7f - 'Z') * kOnes;
+  const std::uint64_t isUpper = (fromA ^ behindZ) & ~bytes & (0x80 * kOnes);
+  return bytes | (isUpper >> 2);
+}
+
+}  // namespace
+
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
   if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
+  std::size_t i = 0;
+  for (; i + 8 <= a.size(); i += 8) {
+    if (lowerCase8(a.data() + i) != lowerCase8(b.data() + i)) return false;
+  }
+  for (; i < a.size(); ++i) {
     if (lowerCase(a[i]) != lowerCase(b[i])) return false;
   }
   return true;

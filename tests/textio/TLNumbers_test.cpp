@@ -1,3 +1,5 @@
+#include <string>
+
 #include "textio/TLNumbers.h"
 
 #include <gtest/gtest.h>
@@ -70,6 +72,24 @@ TEST(TextSink, FormatsWholeNumbersAndFlags) {
   sink << std::numeric_limits<std::int64_t>::min() << ' ' << ~std::uint64_t{0} << ' ' << true
        << false << 1.5F;
   EXPECT_EQ(sink.text(), "-9223372036854775808 18446744073709551615 101.5");
+}
+
+// Every pair of bytes, in a word that is longer than what is compared at once.
+TEST(Numbers, EqualIgnoringCaseFoldsLettersOnly) {
+  for (int a = 0; a < 256; ++a) {
+    for (int b = 0; b < 256; ++b) {
+      const bool same = lowerCase(static_cast<char>(a)) == lowerCase(static_cast<char>(b));
+      for (const std::size_t at : {std::size_t{3}, std::size_t{9}}) {
+        std::string left = "ABCDefghIJ";
+        std::string right = "abcdEFGHij";
+        left[at] = static_cast<char>(a);
+        right[at] = static_cast<char>(b);
+        ASSERT_EQ(equalIgnoringCase(left, right), same) << a << ' ' << b << ' ' << at;
+      }
+    }
+  }
+  EXPECT_FALSE(equalIgnoringCase("abcdefgh", "abcdefghi"));
+  EXPECT_TRUE(equalIgnoringCase("", ""));
 }
 
 }  // namespace
