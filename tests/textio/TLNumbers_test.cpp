@@ -1,5 +1,3 @@
-#include <string>
-
 #include "textio/TLNumbers.h"
 
 #include <gtest/gtest.h>
@@ -10,6 +8,7 @@
 #include <limits>
 #include <random>
 #include <sstream>
+#include <string>
 
 #include "textio/TLTextSink.h"
 
