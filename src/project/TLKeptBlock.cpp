@@ -1,6 +1,7 @@
 #include "project/TLKeptBlock.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "platform/TLConsole.h"
 #include "textio/TLNumbers.h"
@@ -50,6 +51,18 @@ class BlockWalk {
     }
     if (TLTokenReader::lineHasToken(line, "tl_end")) return close(line, tokens.next());
     return within_.empty() ? Line::own : Line::inner;
+  }
+
+  /// Names of the blocks within that are still open and that this one's closing line would close
+  /// first, from the innermost on.
+  std::vector<std::string_view> openOfThisName() const {
+    std::vector<std::string_view> open;
+    std::copy_if(
+        within_.rbegin(), within_.rend(), std::back_inserter(open), [this](std::string_view name) {
+          return std::any_of(form_.names.begin(), form_.names.end(),
+                             [name](std::string_view own) { return equalIgnoringCase(own, name); });
+        });
+    return open;
   }
 
   /// Name of the innermost block within.
@@ -217,6 +230,8 @@ int TLKeptBlock::read(TLTextSource& source) {
   version_ = version;
   body_.assign(source.text().substr(begin, end - begin));
   if (!body_.empty() && body_.back() != '\n') body_ += '\n';
+  // Where the text has ended, the line that will be written behind the body must close this block.
+  for (const auto name : walk.openOfThisName()) body_.append("TL_END ").append(name) += '\n';
   putVersion();
   return 1;
 }

@@ -219,6 +219,8 @@ int TLProject::read(TLTextSource& source) {
   nonDeterministicManagers.clear();
   managerPlaces_.clear();
   axisValues.clear();
+  gridPath_.clear();
+  relativeGridPath_.clear();
   currentComputation.reset();
   const int header = readHeader(source);
   if (header != 1) return header;
@@ -261,12 +263,10 @@ int TLProject::readComputation(TLTextSource& source) {
 }
 
 void TLProject::settleGridFile() {
-  if (namesFile(relativeGridPath_)) {
-    const RWCString here = below(baseDirectory(projectFile, climbs()), relativeGridPath_);
-    if (exists(here)) {
-      gridFile = TLFile(here);
-      return;
-    }
+  const RWCString here = belowBase(projectFile, relativeGridPath_, climbs());
+  if (!here.empty()) {
+    gridFile = TLFile(here);
+    return;
   }
   if (!gridPath_.empty()) gridFile = TLFile(findMoved(projectFile, gridPath_));
 }
@@ -350,13 +350,21 @@ RWCString TLProject::baseDirectory(const TLFile& file, bool climb) {
   return climb ? parentOf(around) : around;
 }
 
+RWCString TLProject::belowBase(const TLFile& projectFile, const RWCString& relative, bool climb) {
+  if (!namesFile(relative)) return {};
+  for (const bool higher : {false, true}) {
+    if (higher && !climb) break;
+    RWCString here = below(baseDirectory(projectFile, higher), relative);
+    if (exists(here)) return here;
+  }
+  return {};
+}
+
 RWCString TLProject::resolvePath(const TLFile& projectFile, const RWCString& absolute,
                                  const RWCString& relative, bool climb) {
   if (exists(absolute)) return absolute;
-  if (namesFile(relative)) {
-    const RWCString here = below(baseDirectory(projectFile, climb), relative);
-    if (exists(here)) return here;
-  }
+  RWCString here = belowBase(projectFile, relative, climb);
+  if (!here.empty()) return here;
   const auto isAway = [&absolute](const char* word) {
     return absolute.find(word, 1) != RWCString::npos;
   };
@@ -367,9 +375,13 @@ RWCString TLProject::resolvePath(const TLFile& projectFile, const RWCString& abs
 }
 
 RWCString TLProject::makeRelative(const TLFile& projectFile, const RWCString& path, bool climb) {
-  const RWCString base = baseDirectory(projectFile, climb);
-  const bool isBelow = !base.empty() && path.size() > base.size() && path.starts_with(base);
-  return isBelow ? path.substr(base.size()) : RWCString("undefined");
+  for (const bool higher : {false, true}) {
+    if (higher && !climb) break;
+    const RWCString base = baseDirectory(projectFile, higher);
+    const bool isBelow = !base.empty() && path.size() > base.size() && path.starts_with(base);
+    if (isBelow) return path.substr(base.size());
+  }
+  return "undefined";
 }
 
 RWCString TLProject::findMoved(const TLFile& projectFile, const RWCString& path) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "messaging/TLSteeringParameters.h"
-#include "messaging/TLSteeringParameters.h"
 #include "parameters/TLFile.h"
 #include "project/TLNonDeterministicComputationManager.h"
 #include "project/TLPerformanceCurve.h"
@@ -49,11 +48,13 @@ class TLProject : public RefCounted {
   /// which lies in the directory of its computation, the directory around that one, with `climb`
   /// the one around that again; for other files their own directory.
   static RWCString baseDirectory(const TLFile& file, bool climb = false);
-  /// The absolute path when it exists; else the relative one below the base directory when that
-  /// exists; else the absolute path, with a line on the console unless it stands for no file.
+  /// The absolute path when it exists; else the relative one below the base directory (with `climb`
+  /// also below the one around it) when that exists; else the absolute path, with a line on the
+  /// console unless it stands for no file.
   static RWCString resolvePath(const TLFile& projectFile, const RWCString& absolute,
                                const RWCString& relative, bool climb = false);
-  /// The part of `path` below the base directory of `projectFile`, or "undefined".
+  /// The part of `path` below the base directory of `projectFile`, with `climb` else below the one
+  /// around it, or "undefined".
   static RWCString makeRelative(const TLFile& projectFile, const RWCString& path,
                                 bool climb = false);
   /// `path`, or where a file of this name is found when it doesn't exist: in the project's
@@ -108,6 +109,7 @@ class TLProject : public RefCounted {
   void finishRead();
   void writeComputation(TLTextSink& sink, std::size_t index) const;
   std::size_t computationOfManager(std::size_t manager) const;
+  static RWCString belowBase(const TLFile& projectFile, const RWCString& relative, bool climb);
   bool climbs() const { return subProjectFlag != 0; }
 
   std::int32_t projectType_ = 0;

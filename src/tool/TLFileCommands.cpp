@@ -128,10 +128,8 @@ int showFile(const FileOptions& options) {
 int rewriteProject(const FileOptions& options) {
   TLProjectFile file(options.input);
   const bool good = file.read(TLDefinitionNeed::rewrite, true);
-  if (!good) {
-    fmt::print(stderr, "{}", file.report().text());
-    return TLExitCode::kStepFailed;
-  }
+  fmt::print(stderr, "{}", file.report().text());  // what is lost, too
+  if (!good) return TLExitCode::kStepFailed;
   return file.project().write(options.output) == 1 ? TLExitCode::kOk : TLExitCode::kStepFailed;
 }
 

@@ -174,6 +174,13 @@ TEST(KeptBlock, EndsWithTheTextAndClosesItsLastLine) {
   EXPECT_EQ(written(record), "  VERSION 1\n  last line\n");
 }
 
+TEST(KeptBlock, BlocksWithinThatTheTextLeavesOpenAreClosed) {
+  TLAnsys record;
+  EXPECT_EQ(readFrom(record, " TL_BEGIN Ansys_Properties\n TL_BEGIN other\n").result, 1);
+  EXPECT_EQ(written(record),
+            " TL_BEGIN Ansys_Properties\n TL_BEGIN other\nTL_END Ansys_Properties\n");
+}
+
 TEST(KeptBlock, AFailedReadLeavesTheRecordAsItWas) {
   TLInjectionSector record;
   ASSERT_EQ(readFrom(record, " VERSION 5.0\n KIND 3\n TL_END injection_sector\n").result, 1);
