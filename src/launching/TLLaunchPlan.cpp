@@ -1,13 +1,16 @@
 #include "launching/TLLaunchPlan.h"
 
 #include "launching/TLComposition.h"
+#include "launching/TLJobScript.h"
 #include "launching/TLLaunchLines.h"
 #include "launching/TLLaunching.h"
 #include "launching/TLProgramNames.h"
+#include "launching/TLQueuingSystem.h"
 #include "launching/TLRunFile.h"
 #include "launching/TLRunFileLaunch.h"
 #include "launching/TLStartFiles.h"
 #include "messaging/TLVirtualMachine.h"
+#include "platform/TLHostForm.h"
 #include "taskengine/TLTask.h"
 
 namespace {
@@ -40,6 +43,7 @@ class Planner {
           {draft_.batchFile, batchFileText(draft_, site_.suiteDirectory, site_.separator)});
     }
     finishSpawnArguments(draft_);
+    if (startWay(draft_) == TLStartWay::queued) planJob();
     return finished(startWay(draft_), startHost(draft_, site_));
   }
 
@@ -105,6 +109,39 @@ class Planner {
     if (!plan_.carried.empty()) {
       plan_.notes.emplace_back("carried files stand with their local names in the words");
     }
+  }
+
+  void planJob() {
+    const std::int32_t kind = draft_.loadBalancing.queuingSystemActivated;
+    const RWCString runFile = firstValue(draft_.spawnArguments);
+    plan_.submission = submitCommand(kind, jobScriptPath(kind, runFile));
+    if (plan_.submission.empty()) {
+      plan_.notes.push_back("no queuing system has the number " + std::to_string(kind) +
+                            ": the step would fail to start");
+      return;
+    }
+    plan_.jobScript.path = jobScriptPath(kind, firstValue(draft_.arguments));
+    const auto text = hostForm().readFile(plan_.jobScript.path);
+    if (!text) {
+      plan_.notes.push_back(missingTemplateText(plan_.jobScript.path));
+      return;
+    }
+    const TLJobScriptValues values{kind,
+                                   draft_.hostName,
+                                   runFile,
+                                   jobPrecision(draft_),
+                                   draft_.loadBalancing.queuingSystemQueue,
+                                   draft_.loadBalancing.nbQueuingSystemProcessor,
+                                   draft_.executable,
+                                   "NNN"};
+    const RWCString fault = jobScriptFault(values);
+    if (!fault.empty()) {
+      plan_.notes.push_back(fault + ": the step would fail to start");
+      return;
+    }
+    plan_.jobScript.text = filledJobScript(*text, values);
+    plan_.written.push_back(plan_.jobScript);
+    plan_.notes.emplace_back("NNN in the job script stands for the number that the start draws");
   }
 
   void planLines() {

@@ -22,6 +22,8 @@ struct TLLaunchPlan {
   std::vector<RWCString> scriptLines;      ///< told to the script before the start
   std::vector<std::int32_t> blockProcess;  ///< process of each block, from 1; empty when not told
   std::vector<RWCString> notes;            ///< what is worth knowing about this start
+  RWCString submission;                    ///< command line of a job; empty for none
+  TLLaunchFile jobScript;                  ///< as it would be filled; no text when it can't be
 };
 
 /// A word for people: "pvm", "mpi launcher", "queue", "local tool", "none".

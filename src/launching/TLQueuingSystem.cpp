@@ -17,10 +17,6 @@ namespace {
 
 constexpr std::int32_t kLsf = 3;
 
-RWCString firstValue(const TLProcessArguments& arguments) {
-  return arguments.count() > 0 ? arguments.at(0)->value() : RWCString();
-}
-
 /// One submission.
 class Submission {
  public:
@@ -105,6 +101,10 @@ class Submission {
 };
 
 }  // namespace
+
+RWCString firstValue(const TLProcessArguments& arguments) {
+  return arguments.count() > 0 ? arguments.at(0)->value() : RWCString();
+}
 
 RWCString submitCommand(std::int32_t kind, const RWCString& path) {
   const TLQueuingKind* system = queuingKind(kind);

@@ -9,5 +9,12 @@ class TLQueuingSystem : public TLJobQueue {
   void deleteJobs(TLSubTask& step) override;
 };
 
+struct TLLaunchDraft;
+class TLProcessArguments;
+
+/// The value of the first argument; empty without one.
+RWCString firstValue(const TLProcessArguments& arguments);
+/// The precision as a job's script is told it: "sp", "hp", "dp" or empty.
+RWCString jobPrecision(const TLLaunchDraft& draft);
 /// The command line that submits the script at `path`; empty for an unknown kind.
 RWCString submitCommand(std::int32_t kind, const RWCString& path);

@@ -1,10 +1,8 @@
 #include "launching/TLJobQueue.h"
 #include "launching/TLProgramNames.h"
+#include "launching/TLQueuingSystem.h"
 #include "launching/TLStarter.h"
 
-namespace {
-
-/// The precision as a job's script is told it.
 RWCString jobPrecision(const TLLaunchDraft& draft) {
   if (draft.unstructured && isSolver(draft.executable)) {
     if (draft.precisionWord == "hybrid") return "hp";
@@ -13,6 +11,8 @@ RWCString jobPrecision(const TLLaunchDraft& draft) {
   const bool structured = draft.executable.find("velstra") != RWCString::npos;
   return structured && draft.precision == 1 ? "dp" : "";
 }
+
+namespace {
 
 /// The queuing system of the step's host starts the process when it sees fit.
 class QueuedStarter : public TLStarter {

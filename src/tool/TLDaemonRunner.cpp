@@ -19,6 +19,7 @@ bool TLDaemonRunner::readTask(const std::string& taskFile) {
   TLTaskFile file(taskFile_);
   if (file.read()) {
     steps_ = file.steps();
+    if (!file.checkJobScripts(false)) fmt::print(stderr, "{}", file.report().text());
     return true;
   }
   fmt::print(stderr, "{}", file.report().text());

@@ -65,7 +65,7 @@ void printStep(const TLSubTask& step, std::size_t position) {
 
 int showTask(const FileOptions& options) {
   TLTaskFile file(options.input);
-  const bool good = file.read();
+  const bool good = file.read() && file.checkJobScripts(true);
   fmt::print(stderr, "{}", file.report().text());
   if (!good) return TLExitCode::kStepFailed;
   const TLTask& task = file.task();

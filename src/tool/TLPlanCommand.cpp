@@ -5,6 +5,7 @@
 #include <iostream>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <sstream>
 
 #include "launching/TLLaunchPlan.h"
 #include "launching/TLLaunching.h"
@@ -64,6 +65,11 @@ std::string commandLine(const TLLaunchPlan& plan) {
   return line;
 }
 
+void printJobScript(const std::string& text) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line);) fmt::print("  script    {}\n", line);
+}
+
 void printPlan(const TLSubTask& step, std::size_t position, const TLLaunchPlan& plan) {
   fmt::print("step {}  {}\n", position, step.name);
   if (!plan.program.empty()) {
@@ -76,6 +82,8 @@ void printPlan(const TLSubTask& step, std::size_t position, const TLLaunchPlan& 
   for (std::size_t block = 0; block < plan.blockProcess.size(); ++block) {
     fmt::print("  block     {} on process {}\n", block + 1, plan.blockProcess[block]);
   }
+  if (!plan.submission.empty()) fmt::print("  submits   {}\n", plan.submission);
+  printJobScript(plan.jobScript.text);
   for (const auto& note : plan.notes) fmt::print("  note      {}\n", note);
 }
 
@@ -99,6 +107,7 @@ Json planJson(const TLSubTask& step, std::size_t position, const TLLaunchPlan& p
           {"carries", plan.carried},
           {"blocks", plan.blockProcess},
           {"script_lines", plan.scriptLines},
+          {"submission", plan.submission},
           {"notes", plan.notes}};
 }
 
@@ -135,7 +144,9 @@ int planTask(const PlanOptions& options) {
   if (options.json) {
     printJson({{"version", kJsonVersion}, {"task", options.task}, {"steps", std::move(steps)}});
   }
-  return TLExitCode::kOk;
+  if (file.checkJobScripts(true)) return TLExitCode::kOk;
+  fmt::print(stderr, "{}", file.report().text());
+  return TLExitCode::kStepFailed;
 }
 
 }  // namespace

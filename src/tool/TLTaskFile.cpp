@@ -6,6 +6,9 @@
 #include <sstream>
 #include <utility>
 
+#include "launching/TLJobScript.h"
+#include "launching/TLProgramNames.h"
+#include "launching/TLQueuingSystem.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "textio/TLTextSource.h"
@@ -33,6 +36,24 @@ bool TLTaskFile::read(bool echo) {
     report_.add(true, fmt::format("a block is not as it should be: {}", unheard.str()));
   }
   if (good && task_->subTaskCount() == 0) report_.add(false, "holds no step: nothing would run");
+  return good;
+}
+
+bool TLTaskFile::checkJobScripts(bool firm) {
+  bool good = true;
+  for (const auto& step : task_->subTasks) {
+    if (step->enabled == 0 || !step->isQueued() || isMarineStep(step->name)) continue;
+    if (step->name == "PROBES2QVK") continue;
+    const RWCString script =
+        jobScriptPath(step->loadBalancing.queuingSystemActivated, firstValue(step->arguments));
+    const auto text = hostForm().readFile(script);
+    if (!text) report_.add(firm, missingTemplateText(script));
+    if (text && isFilledJobScript(*text)) {
+      report_.add(false, script + " has been filled already: put its template back, " + script +
+                             ".orig, before the step runs again");
+    }
+    good = good && text.has_value();
+  }
   return good;
 }
 

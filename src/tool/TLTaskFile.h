@@ -19,6 +19,10 @@ class TLTaskFile {
   /// output when `echo` is set and nowhere otherwise.
   bool read(bool echo = false);
 
+  /// Looks for the templates of the job scripts: one that is missing is a fault, or only a warning
+  /// when a step before might still make it (`firm` false). True when none is missing.
+  bool checkJobScripts(bool firm);
+
   const TLTask& task() const { return *task_; }
   const TLFileReport& report() const { return report_; }
   std::vector<TLStepLabel> steps() const;
