@@ -185,6 +185,31 @@ TEST_F(Tlctl, AnswersWrongUseWithTwoAndNobodyThereWithThree) {
   EXPECT_EQ(run({"--help"}).code, 0);
 }
 
+TEST_F(Tlctl, ChecksAndPlansJobScripts) {
+  const std::string runFile = (directory_ / "duct.run").string();
+  const std::string task = writeTask(
+      "TL_BEGIN subtask\n  NAME TOOL\n  EXECUTABLE tool\n  HOSTNAME here\n"
+      "  TL_BEGIN load_balancing\n    QUEUING_SYSTEM_ACTIVATED 2\n    QUEUING_SYSTEM_QUEUE mpi\n"
+      "  TL_END load_balancing\n  TL_BEGIN process_arguments\n    TL_BEGIN process_argument\n"
+      "      TYPE none\n      VALUE " +
+      runFile + "\n    TL_END process_argument\n  TL_END process_arguments\nTL_END subtask\n");
+  const std::string missing = "The template of the job script, " +
+                              (directory_ / "duct.pbs").string() + ", can't be read: put one";
+  for (const char* command : {"check", "plan"}) {
+    const Answer answer = run({command, task});
+    EXPECT_EQ(answer.code, 1) << command;
+    EXPECT_THAT(answer.text, HasSubstr(missing)) << command;
+  }
+  std::ofstream(directory_ / "duct.pbs") << "#!/bin/sh\n\n# COMPUTATION SETTINGS\n";
+  EXPECT_EQ(run({"check", task}).code, 0);
+  const Answer plan = run({"plan", task});
+  EXPECT_EQ(plan.code, 0);
+  EXPECT_THAT(plan.text, HasSubstr("  submits   qsub -C \\#PBS  " + directory_.string()));
+  EXPECT_THAT(plan.text, HasSubstr("  script    #PBS -N compNNN\n"));
+  EXPECT_THAT(plan.text, HasSubstr("  script    RUN_FILE=" + runFile + "\n"));
+  EXPECT_EQ(textOf(directory_ / "duct.pbs"), "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
+}
+
 TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
   const std::string task = writeTask(step("A", "tool", {"exit 0"}));
   EXPECT_THAT(run({"check", task}).text, HasSubstr("step 0  A"));
