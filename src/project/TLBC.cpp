@@ -133,6 +133,7 @@ void TLBC::write(TLTextSink& sink) const {
   if (type == "INL" || type == "ROT") {
     writeChild(sink, initialSolutionTurbo, "            ", "initial_solution_turbo");
   }
+  writeChild(sink, injectionSector, "            ", "injection_sector");
 }
 
 void TLBC::writeControlSurfaces(TLTextSink& sink) const {

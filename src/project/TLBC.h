@@ -59,7 +59,7 @@ class TLBC : public RefCounted {
   RWCString couplingName;
   Handle<TLBCParameters> parameters;  ///< of the computation's list; while reading: own
   Handle<TLInitSolTurbo> initialSolutionTurbo;
-  Handle<TLInjectionSector> injectionSector;  ///< read, never written
+  Handle<TLInjectionSector> injectionSector;
   std::vector<std::int32_t> controlSurfaces;
   std::vector<RWCString> controlSurfaceNames;
   std::int32_t projectType;

@@ -310,12 +310,18 @@ int TLBlock::read(TLTextSource& source) {
 void TLBlock::write(TLTextSink& sink) const {
   const auto& keys = table();
   keys.write(*this, sink, kVersion, kInitialSolutionIndex);
-  if (projectType == TLProjectType::hexa) writeHexaSections(sink);
+  if (hasHexaSections()) writeHexaSections(sink);
   writeChild(sink, throughflow, kIndent, "throughflow_parameters");
   writeRotationAndSolid(sink);
   keys.write(*this, sink, kSizesFirst, kSizesLast);
   writeChildren(sink, blockDependents, kIndent, "block_dependent");
   writeChildren(sink, faces, kIndent, "face");
+}
+
+bool TLBlock::hasHexaSections() const {
+  if (projectType != TLProjectType::marine) return projectType == TLProjectType::hexa;
+  return hexaParameters || fluid || hexaOutputs || !heatSources.empty() ||
+         !hexaPartitions.empty() || nbCells != 0;
 }
 
 void TLBlock::writeHexaSections(TLTextSink& sink) const {

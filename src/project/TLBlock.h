@@ -31,7 +31,8 @@ enum class TLPressureField { constant, radialEquilibrium };
 
 /// One block of a mesh with its sizes, faces and settings ("block"). The settings of the
 /// unstructured solver (hexa parameters, fluid, heat sources, outputs, partitions, mesh quality)
-/// are written for HEXA projects only.
+/// are written for HEXA projects, and for
+/// MARINE ones where a block has any.
 class TLBlock : public RefCounted {
  public:
   explicit TLBlock(std::int32_t projectType) : projectType(projectType) {}
@@ -112,6 +113,7 @@ class TLBlock : public RefCounted {
   Handle<TLPhysicalEntry> solidHeatCapacity;
 
  private:
+  bool hasHexaSections() const;
   void writeHexaSections(TLTextSink& sink) const;
   void writeRotationAndSolid(TLTextSink& sink) const;
 };

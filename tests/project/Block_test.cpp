@@ -209,6 +209,13 @@ TEST(Block, EachChildRoundTrips) {
   }
 }
 
+TEST(Block, MarineBlocksKeepWhatTheyHave) {
+  constexpr auto marine = TLProjectType::marine;
+  EXPECT_EQ(through(kRotation, marine), through(kRotation, kStructured));
+  const std::string text = "TL_BEGIN hexa_parameters\nTL_END hexa_parameters\n";
+  EXPECT_EQ(through(text + kRotation, marine), through(text + kRotation, kHexa));
+}
+
 TEST(Block, HexaSectionsInTheirOrder) {
   const auto text = through(kRotation, kHexa);
   std::size_t at = 0;

@@ -127,6 +127,12 @@ TEST(Condition, BlocksInside) {
     EXPECT_EQ(rewritten<TLBC>(condition(type) + turbo, kType), condition(type) + turbo);
   }
   EXPECT_EQ(rewritten<TLBC>(condition("OUT") + turbo, kType), condition("OUT"));
+  const std::string sector =
+      "            TL_BEGIN injection_sector\n"
+      "              VERSION 5.0\n"
+      "              kept  too\n"
+      "            TL_END   injection_sector\n";
+  EXPECT_EQ(rewritten<TLBC>(condition("SOL") + sector, kType), condition("SOL") + sector);
   TLBC record(kType);
   ASSERT_EQ(readText(record,
                      "TL_BEGIN bc_parameters\nVERSION 3.0\nTYPE SOLID\nTYPE_ID 28\n"
