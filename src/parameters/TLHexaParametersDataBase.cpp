@@ -15,7 +15,7 @@ TLHexaParametersDataBase::TLHexaParametersDataBase(std::int32_t kind) {
   const RWCString path = definitionPath(kind);
   auto text = hostForm().readFile(path);
   if (!text) {
-    console() << "ERROR! ... \n The file " << path << " can not be found.\n" << std::flush;
+    console() << "ERROR! ...\n The file " << path << " can not be found.\n" << std::flush;
     std::exit(0);
   }
   TLTextSource source(std::move(*text));

@@ -52,8 +52,11 @@ std::vector<T> readValues(std::size_t count, std::string_view first, TLTextSourc
   return values;
 }
 
-void dropWords(std::int32_t count, TLTextSource& stream) {
-  for (std::int32_t i = 0; i < count && !stream.atEnd(); ++i) stream.readWord();
+// The words behind the first one of a parameter that isn't taken. A text is one line; a number of
+// values that no file can have isn't believed.
+void dropOtherWords(const TLDescriptor& parsed, TLTextSource& stream) {
+  if (parsed.type == TLParameterType::text || parsed.count > TLDescriptor::kMostValues) return;
+  for (std::int32_t i = 1; i < parsed.count && !stream.atEnd(); ++i) stream.readWord();
 }
 
 // For whoever wants to know what a reading drops.
@@ -236,7 +239,7 @@ bool TLParameters::readChanged(Place place, std::string_view descriptor, const T
     fillAt(place, static_cast<std::size_t>(parsed.count), first, stream);
     return true;
   }
-  if (hasWords) dropWords(parsed.count - 1, stream);
+  dropOtherWords(parsed, stream);
   tellDropped(stream, descriptor);
   return true;
 }
@@ -298,9 +301,7 @@ void TLParameters::readValue(std::string_view descriptor, std::string_view first
     setReals(descriptor, {realFrom(firstValue)});
     return;
   }
-  if (parsed.type == TLParameterType::integer || parsed.type == TLParameterType::real) {
-    dropWords(parsed.count - 1, stream);
-  }
+  dropOtherWords(parsed, stream);
   tellDropped(stream, descriptor);
 }
 

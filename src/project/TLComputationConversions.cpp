@@ -49,7 +49,9 @@ bool hasOldCoupling(const TLSubProject& computation) {
 }
 
 bool isCondensableFluid(const TLSubProject& computation) {
-  return computation.fluidName == kCondensableFluid;
+  const auto& fluids = computation.fluids;
+  return computation.fluidName == kCondensableFluid ||
+         (!fluids.empty() && fluids.front()->fluidName == kCondensableFluid);
 }
 
 /// The first condition of the grid; null when it has none.

@@ -70,8 +70,9 @@ void takeSutherland(TLFluidProperties& properties, const TLSolverValues& values)
   if (!sutherland.empty()) properties.temperatureSutherland = sutherland[0];
 }
 
-void applyLaw(TLFluid& fluid, const Law& law, const TLSolverValues& values) {
-  if (!values.has(law.selector)) return;
+// False, with a line on the console, for a value that no law has.
+bool applyLaw(TLFluid& fluid, const Law& law, const TLSolverValues& values) {
+  if (!values.has(law.selector)) return true;
   const std::int32_t selected = values.integer(law.selector);
   for (const auto& row : law.rows) {
     if (row.value != selected) continue;
@@ -81,10 +82,11 @@ void applyLaw(TLFluid& fluid, const Law& law, const TLSolverValues& values) {
     if (row.takesSutherland && fluid.version < kFirstSutherland) {
       takeSutherland(*fluid.properties, values);
     }
-    return;
+    return true;
   }
   console() << "WARNING: unknown value=" << selected << " for " << law.selectorName << '\n'
             << std::flush;
+  return false;
 }
 
 }  // namespace
@@ -98,5 +100,7 @@ void fillFromSolverValues(TLFluid& fluid, const TLSubProject& computation) {
   if (computation.fluidType != "unknown") fluid.fluidType = computation.fluidType;
   if (!computation.parameters) return;
   const TLSolverValues values(*computation.parameters);
-  for (const auto& law : kLaws) applyLaw(fluid, law, values);
+  for (const auto& law : kLaws) {
+    if (!applyLaw(fluid, law, values)) return;
+  }
 }

@@ -10,5 +10,5 @@ class TLSubProject;
 bool needsSolverValues(const Handle<TLFluid>& fluid);
 
 /// Fills the laws of `fluid` from the solver parameters of `computation`, and its names from those
-/// of the computation. An unknown law is told on the console and leaves the fluid's own.
+/// of the computation. An unknown law is told on the console, and the fluid is left as it is then.
 void fillFromSolverValues(TLFluid& fluid, const TLSubProject& computation);

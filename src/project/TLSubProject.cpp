@@ -336,7 +336,7 @@ constexpr Section kSolver{
     "#*******                END  SOLVER PARAMETERS SECTION             ***********"};
 constexpr Section kConditions{
     "#*******   START INITIAL SOLUTION AND BOUNDARY CONDITION SECTION   ***********",
-    "#*******   END  INITIAL SOLUTION AND BOUNDARY CONDITION SECTION    ***********"};
+    "#*******   END INITIAL SOLUTION AND BOUNDARY CONDITION SECTION     ***********"};
 constexpr Section kB2B{
     "#*******                START BLADE-TO-BLADE PARAMETERS SECTION    ***********",
     "#*******                END  BLADE-TO-BLADE PARAMETERS SECTION     ***********"};

@@ -121,7 +121,7 @@ TEST(HexaDefinitionDeathTest, FileByKind) {
         TLHexaParametersDataBase base(1);
       },
       testing::ExitedWithCode(0),
-      "^ERROR! ... \n The file /no/such/lumbrake_auto.def can not be found.\n$");
+      "^ERROR! ...\n The file /no/such/lumbrake_auto.def can not be found.\n$");
 }
 
 }  // namespace

@@ -176,6 +176,7 @@ TEST_F(SolverBlock, TakesWhatTheDefinitionKnows) {
                                         {"UNKNOWN,I,1,3,0", "1\n2 3"},
                                         {"TITLE,L,1,1,0", "a b c"},
                                         {"NONSENSE", "word"},
+                                        {"OTHER,X,1,3,0", "1 2 3"},  // no such type: skipped
                                         {"THEFIL,L,1,1,0", "  a path  with blanks "},
                                         {"BETA,I,1,2,0", "8 9"},   // smaller: its values only
                                         {"RHO,R,1,3,0", "7 7 7"},  // greater: dropped

@@ -192,6 +192,9 @@ TEST_F(Conversion, SettingsOfTheStructuredSolver) {
 
   const ReadProject condensable(projectText("FLUID_NAME Condensable Fluid\n"));
   EXPECT_EQ(TLSolverValues(*condensable.computation().parameters).integer("IROVAR,I,1,1,0"), 1);
+  const ReadProject ofFluid(projectText(
+      "TL_BEGIN fluid_parameters\nFLUID_NAME Condensable Fluid\nTL_END fluid_parameters\n"));
+  EXPECT_EQ(TLSolverValues(*ofFluid.computation().parameters).integer("IROVAR,I,1,1,0"), 1);
 }
 
 TEST_F(Conversion, BoosterOfTheUnstructuredSolverHasItsOwnSettings) {
@@ -241,8 +244,8 @@ TEST_F(Conversion, FluidsTakeTheirLawsFromTheSolverParameters) {
       {"1", "2", "polynom", 3, 2, 1.0, 7, ""},
       {"2", "3", "constant", 2, 6, 0.0, 7, ""},
       {"3", "2", "constant", 4, 2, 0.0, 7, ""},
-      {"9", "8", "constant", 0, 0, 0.0, 7,
-       "WARNING: unknown value=9 for IVIMOD\nWARNING: unknown value=8 for IHCMOD\n"},
+      {"2", "8", "constant", 2, 0, 0.0, 7, "WARNING: unknown value=8 for IHCMOD\n"},
+      {"9", "2", "constant", 0, 0, 0.0, 7, "WARNING: unknown value=9 for IVIMOD\n"},
   };
   for (const auto& test : cases) {
     const ReadProject read(projectText(
