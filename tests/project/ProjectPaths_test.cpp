@@ -4,6 +4,7 @@
 #include <string>
 
 #include "platform/TLConsole.h"
+#include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
 #include "project/TLProject.h"
 
@@ -34,6 +35,15 @@ TEST(ProjectPaths, RelativeIsWhatFollowsTheBaseDirectory) {
   EXPECT_EQ(TLProject::makeRelative(run, "/p/study2/m.zyv"), "undefined");
   EXPECT_EQ(TLProject::makeRelative(run, "/elsewhere/m.zyv"), "undefined");
   EXPECT_EQ(TLProject::makeRelative(run, "/p/other/m.zyv", true), "other/m.zyv");
+}
+
+TEST(ProjectPaths, TheOtherHostFormHasItsOwnSeparator) {
+  setHostForm(TLHostKind::win32);
+  const TLFile run("C:/p/study/comp/comp.run");
+  EXPECT_EQ(TLProject::baseDirectory(run), "C:\\p\\study\\");
+  EXPECT_EQ(TLProject::makeRelative(run, TLFile("C:/p/study/_mesh/m.zyv").path()), "_mesh\\m.zyv");
+  EXPECT_EQ(TLProject::baseDirectory(TLFile("comp.run")), "..\\");
+  setHostForm(TLHostKind::posix);
 }
 
 struct Resolved {
