@@ -87,10 +87,10 @@ bool TLSteeringParameters::readBinary(std::string_view path) {
   return true;
 }
 
-void TLSteeringParameters::writeBinary(std::string_view path) const {
+int TLSteeringParameters::writeBinary(std::string_view path) const {
   TLTextSink sink;
   for (const auto& parameter : parameters) parameter->writeValues(sink);
-  hostForm().replaceFile(path, sink.text());
+  return hostForm().replaceFile(path, sink.text());
 }
 
 void TLSteeringParameters::save() {
@@ -98,13 +98,12 @@ void TLSteeringParameters::save() {
   modified = 0;
 }
 
-void TLSteeringParameters::saveAs(std::string_view path) const {
-  if (path == "unknown" || updateInBatch == 1) return;
+int TLSteeringParameters::saveAs(std::string_view path) const {
+  if (path == "unknown" || updateInBatch == 1) return 0;
   TLTextSink text;
   writeText(text);
-  if (hostForm().replaceFile(path, text.text()) == 0) {
-    writeBinary(RWCString(path) + RWCString(kBinarySuffix));
-  }
+  const int error = hostForm().replaceFile(path, text.text());
+  return error != 0 ? error : writeBinary(RWCString(path) + RWCString(kBinarySuffix));
 }
 
 void TLSteeringParameters::clearAllValues() {

@@ -27,8 +27,9 @@ class TLSteeringParameters : public RefCounted {
   /// Writes both files to `name` and clears `modified`. Nothing for a set without a file or one
   /// that is never saved (`updateInBatch` 1).
   void save();
-  /// Writes both files, or nothing as told for save. A file that can't be written stays as it is.
-  void saveAs(std::string_view path) const;
+  /// Writes both files, or nothing as told for save. A file that can't be written stays as it is:
+  /// 0, or the errno.
+  int saveAs(std::string_view path) const;
   /// Drops the values of all parameters.
   void clearAllValues();
 
@@ -45,6 +46,6 @@ class TLSteeringParameters : public RefCounted {
   std::int32_t modified = 0;
 
  private:
-  void writeBinary(std::string_view path) const;
+  int writeBinary(std::string_view path) const;
   bool readBinary(std::string_view path);
 };

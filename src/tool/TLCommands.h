@@ -16,6 +16,7 @@ std::vector<TLCommand> controlCommands();  ///< status, stop, suspend, save, rep
 std::vector<TLCommand> fileCommands();     ///< check, show, rewrite
 std::vector<TLCommand> planCommands();     ///< plan
 std::vector<TLCommand> unitsCommands();    ///< units
+std::vector<TLCommand> steerCommands();    ///< steer, plot
 /// @}
 
 /// The live daemon that `who` means, with this process enrolled in the virtual machine. None, with

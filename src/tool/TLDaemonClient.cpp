@@ -83,6 +83,8 @@ void TLDaemonClient::take(const TLProcessMessage& message) {
     startError_ = stringsOf(message);
   } else if (message.tag == TL_MSG_SOLVER_FINISHED) {
     endReports_.push_back(endReportOf(message));
+  } else if (message.tag == TL_MSG_STEERING_VALUES) {
+    if (mirror_ != nullptr) mirror_->take(message);
   } else {
     answered_.push_back(message.tag);
     if (message.tag != TL_MSG_STATUS) return;
@@ -137,7 +139,22 @@ bool TLDaemonClient::send(std::int32_t code, std::int32_t value) {
 }
 
 bool TLDaemonClient::poll(Seconds patience) {
-  return ask(TL_MSG_STATUS, TL_MSG_STATUS, patience);
+  TLProcessMessage question;
+  question.tag = TL_MSG_STATUS;
+  question.destination = tid_;
+  if (mirror_ != nullptr) mirror_->addTo(question);
+  std::erase(answered_, TL_MSG_STATUS);
+  return question.send() &&
+         waitFor([&] { return std::ranges::count(answered_, TL_MSG_STATUS) > 0; }, patience);
+}
+
+bool TLDaemonClient::sendSettings(const Handle<TLSteeringParameters>& set) {
+  TLProcessMessage message;
+  message.tag = TL_MSG_NEW_STEERING;
+  message.destination = tid_;
+  message.addString(set->name);
+  message.addNewSteering(set);
+  return message.send();
 }
 
 bool TLDaemonClient::ask(std::int32_t code, std::int32_t answer, Seconds patience) {

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "messaging/TLProcessMessage.h"
+#include "tool/TLSteeringMirror.h"
 
 /// What a daemon reported of the end of one step.
 struct TLEndReport {
@@ -36,6 +37,10 @@ class TLDaemonClient {
   /// The statuses of the last answer, one per step.
   const std::vector<std::int32_t>& statuses() const { return statuses_; }
 
+  /// From now on polls tell what `mirror` holds of the steering values, and it takes in what comes.
+  /// It must live as long as this object. None ends that.
+  void followSteering(TLSteeringMirror* mirror) { mirror_ = mirror; }
+
   /// Takes what has arrived without asking.
   void receiveWaiting();
   /// End reports since the last call.
@@ -49,6 +54,8 @@ class TLDaemonClient {
   /// Sends, then waits for an answer of code `answer`.
   bool ask(std::int32_t code, std::int32_t answer, Seconds patience);
   bool ask(std::int32_t code, std::int32_t value, std::int32_t answer, Seconds patience);
+  /// Sends the settings of a steering set, whose name must be the path by which the task knows it.
+  bool sendSettings(const Handle<TLSteeringParameters>& set);
   /// Waits until the daemon is gone.
   bool waitGone(Seconds patience);
 
@@ -60,6 +67,7 @@ class TLDaemonClient {
   std::vector<std::int32_t> statuses_;
   std::vector<TLEndReport> endReports_;
   std::string startError_;
+  TLSteeringMirror* mirror_ = nullptr;
   std::vector<std::int32_t> answered_;  // codes other than status and end, as they came
 };
 

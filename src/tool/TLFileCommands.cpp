@@ -15,6 +15,7 @@
 #include "tool/TLFileKind.h"
 #include "tool/TLProjectFile.h"
 #include "tool/TLProjectSummary.h"
+#include "tool/TLSteeringSettings.h"
 #include "tool/TLTaskFile.h"
 
 namespace {
@@ -147,6 +148,38 @@ int rewriteTask(const FileOptions& options) {
   return TLExitCode::kStepFailed;
 }
 
+// A set and its binary file.
+int rewriteSteering(const FileOptions& options) {
+  std::string error;
+  const auto set = readSteeringSet(options.input, error);
+  if (!set) {
+    fmt::print(stderr, "{}", error);
+    return TLExitCode::kStepFailed;
+  }
+  if (set->updateInBatch == 1) {
+    fmt::print(stderr, "tlctl: {} is not to be saved (updateInBatch 1)\n", options.input);
+    return TLExitCode::kStepFailed;
+  }
+  const int failure = set->saveAs(options.output);
+  if (failure == 0) return TLExitCode::kOk;
+  fmt::print(stderr, "tlctl: cannot write {}: {}\n", options.output, std::strerror(failure));
+  return TLExitCode::kStepFailed;
+}
+
+struct Rewriter {
+  std::string_view kind;
+  int (*rewrite)(const FileOptions&);
+};
+constexpr Rewriter kRewriters[] = {
+    {"task", rewriteTask}, {"project", rewriteProject}, {"steering", rewriteSteering}};
+
+int rewriteFile(const FileOptions& options) {
+  for (const auto& rewriter : kRewriters) {
+    if (rewriter.kind == options.kind) return rewriter.rewrite(options);
+  }
+  return TLExitCode::kWrongUse;
+}
+
 }  // namespace
 
 std::vector<TLCommand> fileCommands() {
@@ -170,17 +203,16 @@ std::vector<TLCommand> fileCommands() {
        }},
       {"rewrite",
        "Read a file and write it in its present form",
-       {"tlctl rewrite task old.task new.task", "tlctl rewrite project old.run new.run"},
+       {"tlctl rewrite task old.task new.task", "tlctl rewrite project old.run new.run",
+        "tlctl rewrite steering heat.steering copy.steering"},
        [](CLI::App& app) -> std::function<int()> {
          auto options = std::make_shared<FileOptions>();
          app.add_option("KIND", options->kind, "kind of file")
              ->required()
-             ->check(CLI::IsMember({"task", "project"}));
+             ->check(CLI::IsMember({"task", "project", "steering"}));
          app.add_option("IN", options->input, "file to read")->required();
          app.add_option("OUT", options->output, "file to write")->required();
-         return [options] {
-           return options->kind == "task" ? rewriteTask(*options) : rewriteProject(*options);
-         };
+         return [options] { return rewriteFile(*options); };
        }},
   };
 }

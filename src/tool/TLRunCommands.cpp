@@ -72,10 +72,11 @@ int answerOf(TLTaskFollower::End end, const TLTaskFollower& follower, const std:
 // Follows to the end; ends a daemon whose steps have all ended.
 int followAndEnd(const TLToolEnvironment& environment, TLDaemonClient& client,
                  const std::vector<TLStepLabel>& steps, const std::string& task, int intervalMs,
-                 bool endDaemon, bool& left) {
+                 bool endDaemon, bool& left, TLSteeringMirror* mirror = nullptr) {
   std::signal(SIGINT, markInterrupt);
   std::signal(SIGTERM, markInterrupt);
   TLTaskFollower follower(client, steps, stateFileOf(environment, client.tid()));
+  if (mirror != nullptr) follower.showResiduals(*mirror);
   const auto end = follower.follow(std::chrono::milliseconds(intervalMs), gInterrupted);
   if (end == TLTaskFollower::End::noStart) fmt::print(stderr, "{}\n", client.startError());
   left = end == TLTaskFollower::End::interrupted;
@@ -121,22 +122,33 @@ int startTask(const RunOptions& options) {
   return TLExitCode::kOk;
 }
 
-// `joins`: enters the list of those whom the daemon reports to and has it tell what was missed.
-int followRunning(const RunOptions& options, bool joins) {
+// The names of the steering sets, by step. A task file that can't be read here costs only what the
+// daemon could leave out.
+std::vector<std::string> steeringNames(const TLRunState& state) {
+  TLTaskFile file(state.taskFile);
+  std::vector<std::string> names;
+  if (file.read()) names = file.steeringFiles();
+  names.resize(state.steps.size());
+  return names;
+}
+
+// Enters the list of those whom the daemon reports to and has it tell what was missed.
+// `residuals`: shows the residuals of the solver, too.
+int followRunning(const RunOptions& options, bool residuals) {
   const TLToolEnvironment environment;
   TLVirtualMachineStarter machine(environment.userDirectory());
   const auto state = findDaemon(environment, machine, options.task);
   if (!state) return TLExitCode::kNobodyThere;
   TLDaemonClient client(state->tid);
-  if (joins) {
-    client.send(TL_MSG_RECONNECTED);
-    if (!client.poll(kReplayPatience)) fmt::print(stderr, "tlctl: the daemon is busy\n");
-    client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kReplayPatience);
-  }
+  client.send(TL_MSG_RECONNECTED);
+  if (!client.poll(kReplayPatience)) fmt::print(stderr, "tlctl: the daemon is busy\n");
+  client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kReplayPatience);
   std::vector<TLStepLabel> steps;
   for (const auto& step : state->steps) steps.push_back({step.name, step.executable, step.host});
   bool left = false;
-  return followAndEnd(environment, client, steps, state->taskFile, options.intervalMs, false, left);
+  TLSteeringMirror mirror(steeringNames(*state));
+  return followAndEnd(environment, client, steps, state->taskFile, options.intervalMs, false, left,
+                      residuals ? &mirror : nullptr);
 }
 
 template <class Run>
@@ -172,9 +184,9 @@ std::vector<TLCommand> runCommands() {
        "Join a running task as an interface, hear what was missed, follow it",
        {"tlctl attach", "tlctl attach heat.task"},
        withOptions(false, false, true,
-                   [](const RunOptions& options) { return followRunning(options, true); })},
+                   [](const RunOptions& options) { return followRunning(options, false); })},
       {"watch",
-       "Follow a running task until its end; print reasons of crashes as they come",
+       "Follow a running task until its end; draw the solver's residuals, print reasons of crashes",
        {"tlctl watch", "tlctl watch heat.task --interval 1000"},
        withOptions(false, false, true,
                    [](const RunOptions& options) { return followRunning(options, true); })},

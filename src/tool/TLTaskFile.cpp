@@ -64,3 +64,13 @@ std::vector<TLStepLabel> TLTaskFile::steps() const {
   }
   return steps;
 }
+
+std::vector<std::string> TLTaskFile::steeringFiles() const {
+  std::vector<std::string> files;
+  for (const auto& step : task_->subTasks) {
+    RWCString value;
+    step->arguments.find("-steering", value);
+    files.push_back(value);
+  }
+  return files;
+}

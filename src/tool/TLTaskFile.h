@@ -26,6 +26,8 @@ class TLTaskFile {
   const TLTask& task() const { return *task_; }
   const TLFileReport& report() const { return report_; }
   std::vector<TLStepLabel> steps() const;
+  /// Per step the value of its first "-steering" argument, empty without.
+  std::vector<std::string> steeringFiles() const;
 
  private:
   std::string path_;

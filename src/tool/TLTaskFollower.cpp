@@ -7,12 +7,16 @@
 #include <thread>
 #include <utility>
 
+#include "tool/TLBraillePlot.h"
+
 namespace {
 
 constexpr std::int32_t kPending = 0;
 constexpr std::int32_t kRunning = 1;
 constexpr std::int32_t kFinishedOk = 2;
 constexpr TLDaemonClient::Seconds kPatience{30.0};
+constexpr int kMostPlotRows = 20;
+constexpr int kLinesBesidePlot = 4;
 constexpr auto kLook = std::chrono::milliseconds(20);
 
 std::string joinedTexts(const std::vector<std::string>& texts) {
@@ -43,6 +47,7 @@ TLTaskFollower::End TLTaskFollower::follow(std::chrono::milliseconds interval,
       return client_.startError().empty() ? End::daemonGone : End::noStart;
     }
     if (std::all_of(shown_.begin(), shown_.end(), isTerminalStatus)) break;
+    showResidualNews();
     const auto next = Clock::now() + interval;
     while (Clock::now() < next) {
       if (interrupted != 0) {
@@ -53,8 +58,41 @@ TLTaskFollower::End TLTaskFollower::follow(std::chrono::milliseconds interval,
     }
     showProgress();
   }
+  // Values follow the answer to their poll: one more answer, and all have come.
+  if (mirror_ != nullptr && client_.poll(kPatience)) {
+    client_.receiveWaiting();
+    showResidualNews();
+    showLastPlot();
+  }
   clearProgress();
   return End::allEnded;
+}
+
+void TLTaskFollower::showResiduals(TLSteeringMirror& mirror) {
+  mirror_ = &mirror;
+  client_.followSteering(mirror_);
+}
+
+void TLTaskFollower::showResidualNews() {
+  if (mirror_ == nullptr) return;
+  const auto news = mirror_->takeNews();
+  if (terminal_.isTerminal()) return;
+  for (const auto& line : news) printLine(line);
+}
+
+std::vector<std::string> TLTaskFollower::residualLines() const {
+  if (mirror_ == nullptr) return {};
+  const int rows = std::min(terminal_.height() - kLinesBesidePlot, kMostPlotRows);
+  return TLBraillePlot(terminal_.width() - 1, rows, terminal_.hasColour())
+      .draw(mirror_->residuals(), true);
+}
+
+// What the run came to stays on the terminal.
+void TLTaskFollower::showLastPlot() {
+  if (!terminal_.isTerminal()) return;
+  clearProgress();
+  for (const auto& line : residualLines()) fmt::print("{}\n", line);
+  std::fflush(stdout);
 }
 
 // A daemon that is busy with a launch or a copy answers late: only its absence ends the following.
@@ -134,16 +172,24 @@ void TLTaskFollower::showProgress() {
     line += fmt::format("  |  {} running {}", steps_[i].name, durationText(elapsed(i)));
   }
   const auto width = static_cast<std::size_t>(terminal_.width() - 1);
-  fmt::print("\r\x1b[K{}", line.substr(0, width));
+  clearProgress();
+  const auto plot = residualLines();
+  for (const auto& row : plot) fmt::print("{}\n", row);
+  fmt::print("{}", line.substr(0, width));
   std::fflush(stdout);
-  progressShown_ = true;
+  linesShown_ = static_cast<int>(plot.size()) + 1;
+  widthShown_ = terminal_.width();
 }
 
 void TLTaskFollower::clearProgress() {
-  if (!progressShown_) return;
-  fmt::print("\r\x1b[K");
+  if (linesShown_ == 0) return;
+  // On a terminal that has become narrower each line has been broken into several.
+  const int width = std::max(terminal_.width(), 1);
+  const int broken = width < widthShown_ ? (widthShown_ + width - 1) / width : 1;
+  const int above = std::min(linesShown_ * broken, terminal_.height()) - 1;
+  fmt::print("\r{}\x1b[J", above > 0 ? fmt::format("\x1b[{}A", above) : "");
   std::fflush(stdout);
-  progressShown_ = false;
+  linesShown_ = 0;
 }
 
 bool TLTaskFollower::allOk() const {

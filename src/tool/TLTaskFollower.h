@@ -30,6 +30,10 @@ class TLTaskFollower {
 
   TLTaskFollower(TLDaemonClient& client, std::vector<TLStepLabel> steps, std::string stateFile);
 
+  /// Shows the residuals that come as answers to its polls: drawn above the line of progress on a
+  /// terminal, as lines of numbers elsewhere. `mirror` must live as long as this object.
+  void showResiduals(TLSteeringMirror& mirror);
+
   /// Polls every `interval` until one of the ends; `interrupted` is looked at all the time.
   End follow(std::chrono::milliseconds interval, const volatile int& interrupted);
 
@@ -47,6 +51,9 @@ class TLTaskFollower {
   void showReports();
   void showProgress();
   void clearProgress();
+  void showResidualNews();
+  void showLastPlot();
+  std::vector<std::string> residualLines() const;
   void printLine(const std::string& text);
   void readState();
   double elapsed(std::size_t step) const;
@@ -61,5 +68,7 @@ class TLTaskFollower {
   std::vector<Clock::time_point> endTimes_;
   std::map<std::int32_t, std::string> reasons_;
   Clock::time_point begin_ = Clock::now();
-  bool progressShown_ = false;
+  TLSteeringMirror* mirror_ = nullptr;
+  int linesShown_ = 0;  ///< of plot and progress
+  int widthShown_ = 0;  ///< of the terminal at that time
 };

@@ -46,6 +46,12 @@ int TLTerminal::width() const {
   return 80;
 }
 
+int TLTerminal::height() const {
+  winsize size{};
+  if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_row > 0) return size.ws_row;
+  return 24;
+}
+
 std::string TLTerminal::wrapped(std::string_view code, std::string_view text) const {
   if (!hasColour_) return std::string(text);
   return fmt::format("\x1b[{}m{}\x1b[0m", code, text);

@@ -13,6 +13,8 @@ class TLTerminal {
   bool hasColour() const { return hasColour_; }
   /// Columns as they are now; 80 when unknown.
   int width() const;
+  /// Lines as they are now; 24 when unknown.
+  int height() const;
 
   /// `text` in the colour of a status word; unchanged without colours.
   std::string statusColoured(std::string_view statusWord, std::string_view text) const;

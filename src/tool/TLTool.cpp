@@ -36,7 +36,8 @@ std::string exampleText(const TLCommand& command) {
 std::vector<TLCommand> allCommands() {
   std::vector<TLCommand> commands;
   for (const auto group :
-       {runCommands, controlCommands, fileCommands, planCommands, balanceCommands, unitsCommands}) {
+       {runCommands, controlCommands, fileCommands, planCommands, balanceCommands, unitsCommands,
+        steerCommands}) {
     for (auto& command : group()) commands.push_back(std::move(command));
   }
   return commands;
