@@ -225,4 +225,47 @@ TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
   EXPECT_EQ(textOf(once), textOf(twice)) << "a file is replaced only by a complete one";
 }
 
+TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
+  const fs::path file = directory_ / "some.steering";
+  std::ofstream(file) << " VERSION 1.0\n"
+                         " TL_BEGIN TL_steering_parameter\n  VERSION 2.0\n  NAME rms\n"
+                         "\t\t\t\tREAL_ENTRY\t\tcourant number\t\t1.5\n"
+                         " TL_END TL_steering_parameter\n";
+  EXPECT_THAT(run({"plot", file, "-o", directory_ / "a.png"}).text, HasSubstr("some.steering.bin"));
+  std::ofstream(file.string() + ".binary");
+  EXPECT_THAT(run({"plot", file, "-o", directory_ / "a.png"}).text, HasSubstr("holds no values"));
+  std::string solver = step("SOLVE", "velstraTurbo",
+                            {"started", "ask", "await 12 60", "values rms 1 0.5 2 0.25",
+                             "await 12 60", "values rms 3 0.125", "wait 60"});
+  solver.insert(solver.find(" TL_END process_arguments"),
+                "  TL_BEGIN process_argument\n   TYPE -steering\n   VALUE " + file.string() +
+                    "\n  TL_END process_argument\n");
+  const std::string task = writeTask(solver);
+  ASSERT_EQ(run({"start", "--tools", directory_ / "tools", task}).code, 0);
+  const fs::path output = directory_ / "watched";
+  auto watching = start({"watch", "--interval", "20", task}, output);
+  EXPECT_TRUE(wait([&] {
+    return textOf(output).find("iteration 2: rms 0.25") != std::string::npos;
+  })) << textOf(output);
+
+  EXPECT_EQ(run({"steer", task, "list"}).text, "rms\treal\t1.5\n");
+  EXPECT_EQ(run({"steer", task, "set", "rms", "fast"}).code, 2);
+  EXPECT_EQ(run({"steer", task, "set", "rsm", "1"}).code, 2);
+  EXPECT_EQ(run({"steer", task, "set", "rms"}).code, 2);
+  EXPECT_EQ(run({"steer", task, "get", "courant number"}).text, "1.5\n");
+  EXPECT_EQ(run({"steer", task, "set", "rms", "-0.25"}).text, "rms\t-0.25\n");
+  EXPECT_TRUE(wait([&] {
+    return textOf(output).find("iteration 3: rms 0.125") != std::string::npos;
+  })) << textOf(output);
+  EXPECT_EQ(run({"steer", task, "get", "rms"}).text, "-0.25\n") << "in the file, too";
+  EXPECT_EQ(run({"stop"}).code, 0);
+  EXPECT_TRUE(wait([&] { return !watching->running(); }));
+  EXPECT_EQ(run({"exit"}).code, 0);
+  EXPECT_EQ(run({"steer", task, "list"}).code, 3);
+  const fs::path copy = directory_ / "copy.steering";
+  EXPECT_EQ(run({"rewrite", "steering", file, copy}).code, 0);
+  EXPECT_THAT(textOf(copy), HasSubstr("courant number"));
+  EXPECT_EQ(textOf(copy.string() + ".binary"), "");
+}
+
 }  // namespace
