@@ -162,10 +162,10 @@ TEST(BraillePlot, DrawsALogarithmicScaleInItsRoom) {
   for (int i = 0; i <= 30; ++i) falling.add(i, std::pow(10.0, -i / 10.0));
   const auto lines = TLBraillePlot(30, 6, false).draw({falling}, true);
   ASSERT_EQ(lines.size(), 6U);
-  EXPECT_THAT(lines[0], testing::StartsWith(" 1.0e+00 |⢄"));
+  EXPECT_THAT(lines[0], testing::StartsWith(" 1.0e+00 |⠉⠒⠢⠤⡀  "));
   EXPECT_THAT(lines[3], testing::StartsWith(" 1.0e-03 |"));
   EXPECT_THAT(lines[3], testing::EndsWith("⣀"));
-  EXPECT_EQ(lines[4], "          0                  30");
+  EXPECT_EQ(lines[4], "          0                 30");
   EXPECT_EQ(lines[5], "rms 1.000e-03");
 }
 
