@@ -1,6 +1,10 @@
 # Options that every target of the project shares.
 add_library(tl_options INTERFACE)
 target_compile_options(tl_options INTERFACE -Wall -Wextra -Wpedantic)
+# GCC 12 sees an overlap in std::string's operator+ where none is (its bug 105651).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  target_compile_options(tl_options INTERFACE $<$<CONFIG:Release>:-Wno-restrict>)
+endif()
 target_include_directories(tl_options INTERFACE ${PROJECT_SOURCE_DIR}/src)
 if(TL_SANITIZE)
   target_compile_options(tl_options INTERFACE -fsanitize=address,undefined
