@@ -14,36 +14,6 @@
 
 namespace {
 
-/// The words of a run file that a launch can't do without, looked up without reading the rest.
-struct PlainWords {
-  int projectType = 0;
-  RWCString solverPrecision = "single";
-  bool hasComputation = false;
-  std::int32_t userSolverPrecision = 0;
-};
-
-PlainWords plainWordsOf(const RWCString& text) {
-  PlainWords words;
-  TLTextSource source(text);
-  TLTokenReader reader;
-  for (auto line = source.readLine(); !line.empty(); line = source.readLine()) {
-    RWCString word;
-    if (TLTokenReader::lineHasToken(line, "PROJECT_TYPE")) {
-      if (reader.readString(line, word) == 0) continue;
-      for (int type = 0; type <= TLProjectType::marine; ++type) {
-        if (TLProject::projectTypeWord(type) == word) words.projectType = type;
-      }
-    } else if (TLTokenReader::lineHasToken(line, "SOLVER_PRECISION")) {
-      reader.readString(line, words.solverPrecision);
-    } else if (TLTokenReader::lineHasToken(line, "USER_SOLVER_PRECISION")) {
-      reader.readInteger(line, words.userSolverPrecision);
-      words.hasComputation = true;
-      break;
-    }
-  }
-  return words;
-}
-
 /// True when the text has something for which the structured solver's parameters are needed.
 bool holdsComputation(const RWCString& text) {
   TLTextSource source(text);
@@ -81,9 +51,7 @@ class ProjectRunFile : public TLRunFile {
     project_ = makeHandle<TLProject>();
     auto text = hostForm().readFile(path);
     if (!text) return {};
-    const RWCString problem =
-        holdsComputation(*text) ? TLParametersDataBase::problem() : RWCString();
-    if (!problem.empty()) return readUntouched(*text, problem);
+    if (holdsComputation(*text)) waitForParameters();
     project_->usesDefinitions = definitionsInstalled(unstructuredTables);
     project_->projectFile = TLFile(path);
     TLTextSource source(std::move(*text));
@@ -126,7 +94,6 @@ class ProjectRunFile : public TLRunFile {
 
   /// The text is formed again only when something of it has changed.
   void write() override {
-    if (untouched_) return;
     if (changed_) {
       TLTextSink sink;
       sink.reserve(text_.size());
@@ -169,21 +136,18 @@ class ProjectRunFile : public TLRunFile {
     return result;
   }
 
-  /// Without the solver's definitions its parameters can neither be read nor written: the file
-  /// stays as it is, and only the words that decide about the program are taken from it.
-  TLRunFileFacts readUntouched(const RWCString& text, const RWCString& problem) {
-    untouched_ = true;
-    say("The run file is left as it is. " + problem);
-    const PlainWords words = plainWordsOf(text);
-    return {true, words.projectType, words.solverPrecision, words.hasComputation,
-            words.userSolverPrecision};
+  /// Read without the solver's parameters, a run file would be written back without its own: the
+  /// launch stays here until the definition file is there.
+  static void waitForParameters() {
+    const RWCString problem = TLParametersDataBase::problem();
+    if (!problem.empty()) say("The launch waits for the solver's definitions. " + problem);
+    TLParametersDataBase::instance();
   }
 
   RWCString path_;
   Handle<TLProject> project_;
   RWCString text_;
   bool changed_ = true;
-  bool untouched_ = false;
 };
 
 }  // namespace

@@ -2,11 +2,15 @@
 
 #include <gmock/gmock.h>
 
+#include <filesystem>
+#include <fstream>
 #include <regex>
+#include <sstream>
 
 #include "doubles/TLScriptRecording.h"
 #include "doubles/TLVirtualMachineRecording.h"
 #include "launching/TLLaunching.h"
+#include "platform/TLConsole.h"
 #include "platform/TTempDir.h"
 #include "support/Definitions.h"
 #include "support/RunFileGenerator.h"
@@ -106,13 +110,36 @@ TEST_F(RunFiles, ThatAreNoneAreKeptBeside) {
               testing::Contains("task_manager_receive_message CANNOT_OPEN_RUN_FILE"));
 }
 
-TEST_F(RunFiles, StayWithoutTheDefinitionsOfTheSolver) {
-  const TVariable noDefinitions("VELSTRA_DIR", dir.path());
-  const std::string text = runFile();
-  launch(text);
-  EXPECT_EQ(dir.read("a.run"), text);
+/// A console that puts the solver's definition in its place as soon as it is waited for.
+class WaitingConsole : public std::stringbuf {
+ public:
+  WaitingConsole(std::string path, std::string text)
+      : path_(std::move(path)), text_(std::move(text)) {}
+
+ protected:
+  int sync() override {
+    if (str().find("Waiting for ") != std::string::npos) std::ofstream(path_) << text_;
+    return 0;
+  }
+
+ private:
+  std::string path_;
+  std::string text_;
+};
+
+TEST_F(RunFiles, WaitForTheDefinitionsOfTheSolver) {
+  const Definitions definitions;
+  const std::string path = definitions.directory() + "/velstra.def";
+  std::ifstream file(path);
+  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  std::filesystem::remove(path);
+  WaitingConsole waiting(path, text);
+  std::ostream stream(&waiting);
+  const TLConsoleRedirect redirect(stream);
+  launch(runFile());
+  EXPECT_THAT(recordedScript().lines, testing::Contains(HasSubstr("The launch waits for")));
   EXPECT_EQ(recordedVirtualMachine().spawns.at(0).executable, "velstraTurbodp");
-  EXPECT_THAT(recordedScript().lines, testing::Contains(HasSubstr("left as it is")));
+  EXPECT_EQ(valuesOf(dir.read("a.run"), "NTASK,I,1,1,0"), std::vector<std::string>{"3"});
 }
 
 }  // namespace
