@@ -2,6 +2,7 @@
 
 #include <pvm3.h>
 #include <sys/time.h>
+#include <unistd.h>
 
 #include <cstdlib>
 #include <cstring>
@@ -97,6 +98,12 @@ std::optional<int> DaemonLink::nextMessage() {
   int source = 0;
   pvm_bufinfo(buffer, &bytes, &tag, &source);
   return tag;
+}
+
+void DaemonLink::waitFor(int code, int seconds) const {
+  for (int i = 0; present() && i < seconds * 1000 && pvm_probe(daemon_, code) == 0; ++i) {
+    usleep(1000);
+  }
 }
 
 void DaemonLink::begin(int subMessages) const {

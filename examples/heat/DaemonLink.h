@@ -32,6 +32,9 @@ class DaemonLink {
   /// by the pvm_upk calls until the next call.
   std::optional<int> nextMessage();
 
+  /// Waits at most `seconds` for a message of `code`, which nextMessage then finds.
+  void waitFor(int code, int seconds) const;
+
   /// @name One message, piece by piece: begin with the number of sub-messages, add them, send.
   /// @{
   void begin(int subMessages) const;

@@ -7,7 +7,9 @@
 namespace {
 
 constexpr int kValues = 13;
+constexpr int kNewSteering = 12;
 constexpr int kAskSteering = 14;
+constexpr int kPatience = 10;  // seconds
 constexpr int kStringType = 7;
 constexpr int kValuesType = 8;
 constexpr int kSettingsType = 9;
@@ -77,6 +79,7 @@ void packInt(int value) {
 void Steering::ask() const {
   daemon_.begin(0);
   daemon_.send(kAskSteering);
+  daemon_.waitFor(kNewSteering, kPatience);  // a short run could be over before they come
 }
 
 bool Steering::readSettings(std::map<std::string, double>& settings) {
