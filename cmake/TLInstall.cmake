@@ -17,7 +17,7 @@ install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
 
 # What an installation needs, without tests and benchmarks.
 add_custom_target(suite DEPENDS tltaskmgr tlctl)
-foreach(tool heatmesh velstraTurbo heatpicture tlfaketool)
+foreach(tool heatmesh velstraTurbo velstraTurbo_mpi heatpicture tlfaketool)
   if(TARGET ${tool})
     add_dependencies(suite ${tool})
   endif()
