@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <ctime>
 #include <sstream>
 
+#include "Timing.h"
 #include "launching/TLLaunchPlan.h"
 #include "launching/TLLaunching.h"
 #include "launching/TLRemPathMapping.h"
@@ -22,18 +22,6 @@
 namespace {
 
 constexpr int kSteps = 500;
-
-double secondsOf(const auto& work) {
-  const std::clock_t start = std::clock();
-  work();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double bestOf(int times, const auto& work) {
-  double best = secondsOf(work);
-  for (int i = 1; i < times; ++i) best = std::min(best, secondsOf(work));
-  return best;
-}
 
 bool report(const char* what, double measured, double wanted) {
   fmt::print("{:<34} {:>8.2f}  wanted <= {:>5.2f}  {}\n", what, measured, wanted,

@@ -3,12 +3,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
 
+#include "Timing.h"
 #include "platform/TLConsole.h"
 #include "project/TLProject.h"
 #include "support/Definitions.h"
@@ -19,19 +19,6 @@
 // status tells whether all hold.
 
 namespace {
-
-// Time of this process on its core: what other processes of the machine take doesn't count.
-double secondsOf(const auto& work) {
-  const std::clock_t start = std::clock();
-  work();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double bestOf(int times, const auto& work) {
-  double best = secondsOf(work);
-  for (int i = 1; i < times; ++i) best = std::min(best, secondsOf(work));
-  return best;
-}
 
 double peakMegabytes() {
   rusage usage{};

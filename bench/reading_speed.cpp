@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <string>
 #include <vector>
 
+#include "Timing.h"
 #include "messaging/TLSteeringParameter.h"
 #include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
@@ -19,19 +19,6 @@
 // line a figure: what, measured, wanted, whether it holds. The exit status tells whether all hold.
 
 namespace {
-
-// Time of this process on its core: what other processes of the machine take doesn't count.
-double secondsOf(const auto& work) {
-  const std::clock_t start = std::clock();
-  work();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-double bestOf(int times, const auto& work) {
-  double best = secondsOf(work);
-  for (int i = 1; i < times; ++i) best = std::min(best, secondsOf(work));
-  return best;
-}
 
 bool report(const char* what, double measured, const char* unit, double wanted) {
   const bool holds = measured <= wanted;

@@ -26,9 +26,6 @@ class HeatSolver {
   std::vector<double> profile(double height) const;
 
  private:
-  double faceConductivity(std::size_t a, std::size_t b) const;
-  double balancedTemperature(int i, int j) const;
-
   HeatMesh mesh_;
   HeatField field_;
 };

@@ -2,58 +2,23 @@
 
 #include <mpi.h>
 
-#include <algorithm>
 #include <cmath>
 #include <utility>
+#include <vector>
 
-ParallelHeatSolver::ParallelHeatSolver(HeatMesh mesh) : mesh_(std::move(mesh)) {
+#include "HeatStencil.h"
+
+ParallelHeatSolver::ParallelHeatSolver(HeatMesh mesh)
+    : mesh_(std::move(mesh)), field_(initialField(mesh_)) {
   MPI_Comm_rank(MPI_COMM_WORLD, &rank_);
   MPI_Comm_size(MPI_COMM_WORLD, &size_);
-  field_.nx = mesh_.nx;
-  field_.ny = mesh_.ny;
-  double cold = HUGE_VAL;
-  for (const double held : mesh_.held) {
-    if (held > 0) cold = std::min(cold, held);
-  }
-  for (const double held : mesh_.held) field_.temperature.push_back(held > 0 ? held : cold);
-}
-
-// Two half cells in a row conduct as their harmonic mean.
-double ParallelHeatSolver::faceConductivity(std::size_t a, std::size_t b) const {
-  const double ka = mesh_.conductivity[a];
-  const double kb = mesh_.conductivity[b];
-  return 2.0 * ka * kb / (ka + kb);
-}
-
-double ParallelHeatSolver::balancedTemperature(int i, int j) const {
-  const std::size_t here = mesh_.cell(i, j);
-  double flow = 0;
-  double sum = 0;
-  const auto add = [&](int ni, int nj) {
-    if (ni < 0 || nj < 0 || ni >= mesh_.nx || nj >= mesh_.ny) return;
-    const std::size_t other = mesh_.cell(ni, nj);
-    const double k = faceConductivity(here, other);
-    flow += k * field_.temperature[other];
-    sum += k;
-  };
-  add(i - 1, j);
-  add(i + 1, j);
-  add(i, j - 1);
-  add(i, j + 1);
-  return flow / sum;
 }
 
 double ParallelHeatSolver::sweep(int colour, double relaxation) {
   double largest = 0;
   for (int j = firstRow(rank_); j < endRow(rank_); ++j) {
-    for (int i = (j + colour) % 2; i < mesh_.nx; i += 2) {
-      const std::size_t cell = mesh_.cell(i, j);
-      if (mesh_.held[cell] > 0) continue;
-      const double change = balancedTemperature(i, j) - field_.temperature[cell];
-      field_.temperature[cell] += relaxation * change;
-      // Not std::max: a change that is no number any more has to show.
-      if (!(std::abs(change) <= largest)) largest = std::abs(change);
-    }
+    for (int i = (j + colour) % 2; i < mesh_.nx; i += 2)
+      relaxCell(mesh_, field_, i, j, relaxation, largest);
   }
   return largest;
 }
@@ -95,11 +60,7 @@ double ParallelHeatSolver::iterate(int sweeps, double relaxation) {
 
 double ParallelHeatSolver::heatFlow() const {
   double own = 0;
-  for (int j = firstRow(rank_); j < endRow(rank_); ++j) {
-    const std::size_t edge = mesh_.cell(0, j);
-    const std::size_t inside = mesh_.cell(1, j);
-    own += faceConductivity(edge, inside) * (field_.temperature[edge] - field_.temperature[inside]);
-  }
+  for (int j = firstRow(rank_); j < endRow(rank_); ++j) own += rowHeatFlow(mesh_, field_, j);
   double all = 0;
   MPI_Allreduce(&own, &all, 1, MPI_DOUBLE, MPI_SUM, MPI_COMM_WORLD);
   return all;

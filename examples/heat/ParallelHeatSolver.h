@@ -32,8 +32,6 @@ class ParallelHeatSolver {
   double sweep(int colour, double relaxation);
   void exchangeEdges();
   double* row(int j) { return field_.temperature.data() + mesh_.cell(0, j); }
-  double faceConductivity(std::size_t a, std::size_t b) const;
-  double balancedTemperature(int i, int j) const;
 
   HeatMesh mesh_;
   HeatField field_;

@@ -14,6 +14,13 @@ double secondsNow() {
   return duration<double>(std::chrono::system_clock::now().time_since_epoch()).count();
 }
 
+/// What is looked at in each cycle, of as many as a thousand steps. The rest of an entry changes
+/// only together with these.
+bool differs(const TLRunStateStep& entry, const TLSubTask& step) {
+  return entry.status != step.status || entry.children != step.children ||
+         entry.reason != step.endReason || entry.queueState != step.queueState;
+}
+
 }  // namespace
 
 TLRunRecorder& runRecorder() {
@@ -31,22 +38,16 @@ void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   state_.taskName = task.name;
   state_.logFile = gCatchoutFileName;
   state_.started = secondsNow();
-  seen_.clear();
   update(task);
 }
 
 void TLRunRecorder::update(const TLTask& task) {
   if (directory_.empty()) return;
-  bool changed = seen_.empty() || seen_.size() != task.subTasks.size();
-  seen_.resize(task.subTasks.size());
+  const bool isNew = state_.steps.size() != task.subTasks.size() || state_.steps.empty();
+  bool changed = isNew;
   state_.steps.resize(task.subTasks.size());
   for (std::size_t i = 0; i < task.subTasks.size(); ++i) {
-    const TLSubTask& step = *task.subTasks[i];
-    const Seen now{step.status, step.children.size(),
-                   step.children.empty() ? 0 : step.children.front(), step.endReason.size(),
-                   step.queueState};
-    if (now == seen_[i]) continue;
-    seen_[i] = now;
+    if (!isNew && !differs(state_.steps[i], *task.subTasks[i])) continue;
     record(task, i);
     changed = true;
   }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include <cstdint>
-#include <vector>
+#include <cstddef>
 
 #include "taskengine/TLRunState.h"
 #include "textio/RWCString.h"
@@ -21,21 +20,10 @@ class TLRunRecorder {
   void forget();
 
  private:
-  /// What is compared at each look: cheap, since a task may have a thousand steps.
-  struct Seen {
-    std::int32_t status = -1;
-    std::size_t childCount = 0;
-    std::int32_t firstChild = 0;
-    std::size_t reasonLength = 0;
-    RWCString queueState;
-    bool operator==(const Seen&) const = default;
-  };
-
   void record(const TLTask& task, std::size_t position);
 
   RWCString directory_;  ///< empty: not begun
   TLRunState state_;
-  std::vector<Seen> seen_;
 };
 
 /// The recorder of this process.
