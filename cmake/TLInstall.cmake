@@ -1,5 +1,9 @@
 # The installation: a suite directory with the settings and one directory per version of the
 # product. It finds everything by its own place, so that it can be moved as a whole.
+#
+# Its files are divided among the Debian packages by their component: "daemon" (what names none),
+# "tools" and "examples". "staged" is only for the tree that stays as it is; what the packages have
+# beside the tree is in TLPackages.cmake.
 set(TL_PRODUCT "mire${PROJECT_VERSION_MAJOR}${PROJECT_VERSION_MINOR}")
 set(TL_BIN_DIR "${TL_PRODUCT}/bin")
 set(TL_TCL_DIR "${TL_PRODUCT}/_tcl")
@@ -12,8 +16,9 @@ find_program(TL_REMOTE_SHELL NAMES ssh rsh)
 if(NOT TL_REMOTE_SHELL)
   set(TL_REMOTE_SHELL /usr/bin/ssh)
 endif()
+set(TL_SUITE_PLACE "\${SETTINGS_DIR}")
 configure_file(share/suite/settings.ini.in settings.ini @ONLY)
-install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION .)
+install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION . COMPONENT staged)
 
 # What an installation needs, without tests and benchmarks.
 add_custom_target(suite DEPENDS tltaskmgr tlctl)
@@ -23,7 +28,8 @@ foreach(tool heatmesh velstraTurbo velstraTurbo_mpi heatpicture tlfaketool)
   endif()
 endforeach()
 
-install(TARGETS tltaskmgr tlctl DESTINATION ${TL_BIN_DIR})
+install(TARGETS tltaskmgr DESTINATION ${TL_BIN_DIR})
+install(TARGETS tlctl DESTINATION ${TL_BIN_DIR} COMPONENT tools)
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
 install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
@@ -38,12 +44,17 @@ find_path(TL_TK_SCRIPTS tk.tcl PATHS /usr/share/tcltk/tk8.6 /usr/lib/tk8.6 REQUI
 find_path(TL_TIX_SCRIPTS Tix.tcl
   PATHS /usr/share/tcltk/tcl8.6/Tix8.4.3 /usr/lib/Tix8.4.3 REQUIRED)
 find_path(TL_BLT_SCRIPTS bltGraph.pro PATHS /usr/lib/blt2.5 /usr/share/tcltk/blt2.5 REQUIRED)
+# In the moveable tree the links are absolute, in a package relative, as Debian wants them.
 function(tl_install_script_library directory)
   foreach(name ${ARGN})
     install(CODE "
-      set(place \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_TCL_DIR}/_system\")
-      file(MAKE_DIRECTORY \"\${place}\")
-      file(CREATE_LINK \"${directory}\" \"\${place}/${name}\" SYMBOLIC)")
+      set(place \"\${CMAKE_INSTALL_PREFIX}/${TL_TCL_DIR}/_system\")
+      set(target \"${directory}\")
+      if(\"\${CMAKE_INSTALL_PREFIX}\" MATCHES \"^/usr/\")
+        file(RELATIVE_PATH target \"\${place}\" \"${directory}\")
+      endif()
+      file(MAKE_DIRECTORY \"\$ENV{DESTDIR}\${place}\")
+      file(CREATE_LINK \"\${target}\" \"\$ENV{DESTDIR}\${place}/${name}\" SYMBOLIC)")
   endforeach()
 endfunction()
 tl_install_script_library(${TL_TCL_SCRIPTS} tcl8.4 tcl8.6)
