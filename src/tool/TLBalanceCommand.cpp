@@ -20,15 +20,14 @@
 #include "platform/TLConsole.h"
 #include "project/TLGrid.h"
 #include "project/TLProject.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLDistributionView.h"
 #include "tool/TLExitCode.h"
 
 namespace {
 
-constexpr int kJsonVersion = 1;
-
 void complain(const std::string& text) {
-  fmt::print(stderr, "tlctl balance: {}\n", text);
+  ::complain("balance", text);
 }
 
 // One run of the command: the project, the record that a launch would hold, the partition.
@@ -117,7 +116,7 @@ class Balance {
 
   void show() const {
     if (options_.json) {
-      std::cout << json().dump(2) << '\n';
+      printAnswer("balance", json());
       return;
     }
     if (!showsTrace()) std::cout << distributionTable(views_);
@@ -126,7 +125,6 @@ class Balance {
 
   nlohmann::json json() const {
     nlohmann::json result = views_.back().json();
-    result["version"] = kJsonVersion;
     result["file"] = options_.runFile;
     result["processors_asked"] = options_.processors;
     result["adjusted"] = partition_->adjusted() != 0;
@@ -198,7 +196,7 @@ std::vector<TLCommand> balanceCommands() {
          app.add_option("--adjust", options->adjust,
                         "1: the number of processors may be lowered to what the mesh is good for")
              ->check(CLI::IsMember({0, 1}));
-         app.add_flag("--json", options->json, "one JSON object instead of the trace");
+         declareJson(app, options->json);
          app.add_flag("--summary", options->summary, "a table of loads instead of the trace");
          app.add_flag("--write", options->write, "store the distribution in the run file");
          app.add_flag("--verify", options->verify, "check the distribution by other means");

@@ -3,28 +3,28 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <memory>
 #include <nlohmann/json.hpp>
 
 #include "messaging/TLVirtualMachine.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLCommands.h"
 #include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
 #include "tool/TLExitCode.h"
-#include "tool/TLTerminal.h"
+#include "tool/TLRunView.h"
 
 namespace {
 
 using Json = nlohmann::json;
 
-constexpr int kJsonVersion = 1;
 constexpr int kNoStep = -1;
 constexpr std::int32_t kRunning = 1;
 constexpr TLDaemonClient::Seconds kPollPatience{10.0};
 constexpr TLDaemonClient::Seconds kStopPatience{60.0};
 
 struct ControlOptions {
+  std::string command;
   std::string task;
   int step = kNoStep;
   bool json = false;
@@ -49,10 +49,12 @@ bool reach(Contact& contact, const ControlOptions& options) {
   return contact.state.has_value();
 }
 
-bool isStep(const Contact& contact, int step) {
-  if (step >= 0 && step < static_cast<int>(contact.state->steps.size())) return true;
-  fmt::print(stderr, "tlctl: there is no step {}: {} has steps 0 to {}\n", step,
-             contact.state->taskFile, static_cast<int>(contact.state->steps.size()) - 1);
+// False, said, when a step is asked for that isn't there.
+bool isStep(const Contact& contact, const ControlOptions& options) {
+  const int count = static_cast<int>(contact.state->steps.size());
+  if (options.step < count) return true;
+  complain(options.command, fmt::format("there is no step {}: {} has steps 0 to {}", options.step,
+                                        contact.state->taskFile, count - 1));
   return false;
 }
 
@@ -85,70 +87,23 @@ bool refresh(Contact& contact) {
   return answered;
 }
 
-double elapsed(const TLRunStateStep& step) {
-  if (step.started <= 0) return 0;
-  return (step.ended > 0 ? step.ended : static_cast<double>(std::time(nullptr))) - step.started;
-}
-
-std::string jobText(const TLRunStateStep& step) {
-  if (step.queue == 0 || step.jobNumber <= 0) return {};
-  return fmt::format(", job {}{}{}", step.jobNumber, step.queueState.empty() ? "" : " ",
-                     step.queueState);
-}
-
-void printStatusTable(const TLRunState& state) {
-  const TLTerminal terminal;
-  std::size_t widest = 4;
-  for (const auto& step : state.steps) widest = std::max(widest, step.name.size());
-  fmt::print("{}\n", terminal.bold(fmt::format("{} on {}, daemon {}", state.taskFile, state.host,
-                                               state.tid)));
-  fmt::print("step  {:<{}}  {:<12}  {:>10}  {}\n", "name", widest, "status", "time",
-             "host, and why");
-  for (std::size_t i = 0; i < state.steps.size(); ++i) {
-    const auto& step = state.steps[i];
-    const std::string word = statusText(step.status);
-    fmt::print("{:>4}  {:<{}}  {}  {:>10}  {}{}{}{}\n", i, step.name, widest,
-               terminal.statusColoured(word, fmt::format("{:<12}", word)),
-               durationText(elapsed(step)), step.host, jobText(step),
-               step.reason.empty() ? "" : ": ", step.reason);
-  }
-}
-
-Json toJson(const TLRunStateStep& step, std::size_t position) {
-  return {{"step", position},          {"name", step.name},     {"executable", step.executable},
-          {"host", step.host},         {"status", step.status}, {"word", statusText(step.status)},
-          {"children", step.children}, {"job", step.jobNumber}, {"queue_state", step.queueState},
-          {"started", step.started},   {"ended", step.ended},   {"reason", step.reason}};
-}
-
-Json toJson(const TLRunState& state) {
-  Json json = {{"version", kJsonVersion},  {"task_file", state.taskFile},
-               {"task", state.taskName},   {"daemon", state.tid},
-               {"pid", state.pid},         {"host", state.host},
-               {"started", state.started}, {"live", isLive(state)},
-               {"steps", Json::array()}};
-  for (std::size_t i = 0; i < state.steps.size(); ++i) {
-    json["steps"].push_back(toJson(state.steps[i], i));
-  }
-  return json;
-}
-
-void printJson(const Json& json) {
-  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
-}
-
 int showStatus(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  const bool answered = isCurrent(*contact.state) || refresh(contact);
+  const TLRunState& state = *contact.state;
+  const bool answered = isCurrent(state) || refresh(contact);
   if (options.json) {
-    Json json = toJson(*contact.state);
+    Json json = statusJson(state);
     json["answered"] = answered;
-    printJson(json);
-  } else {
-    if (!answered) fmt::print(stderr, "tlctl: the daemon is busy; this is what it last noted\n");
-    printStatusTable(*contact.state);
+    printAnswer(options.command, std::move(json));
+    return TLExitCode::kOk;
   }
+  const TLTerminal terminal;
+  if (!answered) complain(options.command, "the daemon is busy; this is what it last noted");
+  fmt::print(
+      "{}\n{}",
+      terminal.bold(fmt::format("{} on {}, daemon {}", state.taskFile, state.host, state.tid)),
+      statusTable(state, terminal));
   return TLExitCode::kOk;
 }
 
@@ -156,9 +111,9 @@ int listTasks(const ControlOptions& options) {
   const TLToolEnvironment environment;
   const auto states = TLDaemonFinder(environment.userDirectory()).all();
   if (options.json) {
-    Json json = {{"version", kJsonVersion}, {"tasks", Json::array()}};
-    for (const auto& state : states) json["tasks"].push_back(toJson(state));
-    printJson(json);
+    Json tasks = Json::array();
+    for (const auto& state : states) tasks.push_back(statusJson(state));
+    printAnswer(options.command, {{"tasks", std::move(tasks)}});
     return TLExitCode::kOk;
   }
   for (const auto& state : states) {
@@ -170,49 +125,67 @@ int listTasks(const ControlOptions& options) {
 
 // Requests ----------------------------------------------------------------------------------
 
+// What came of a request. Told as text, or as JSON with `details`.
+int answer(const ControlOptions& options, const Contact& contact, bool done,
+           const std::string& text, Json details = Json::object()) {
+  if (options.json) {
+    details["task_file"] = contact.state->taskFile;
+    details["daemon"] = contact.state->tid;
+    details["done"] = done;
+    if (options.step != kNoStep) details["step"] = options.step;
+    printAnswer(options.command, std::move(details));
+  } else if (done) {
+    fmt::print("{}\n", text);
+  }
+  if (!done) complain(options.command, text);
+  return done ? TLExitCode::kOk : TLExitCode::kStepFailed;
+}
+
+std::string busyText(const Contact& contact) {
+  return fmt::format(
+      "daemon {} on {} has not answered: it is busy with a start or a copy; ask "
+      "again, or see \"tlctl status {}\"",
+      contact.state->tid, contact.state->host, contact.state->taskFile);
+}
+
 int stopTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
+  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
   TLDaemonClient client = contact.join();
   if (options.step == kNoStep) {
-    if (client.ask(TL_MSG_STOP, -1, TL_MSG_STOP, kStopPatience)) {
-      fmt::print("all steps of {} are stopped\n", contact.state->taskFile);
-      return TLExitCode::kOk;
-    }
-    fmt::print(stderr, "tlctl: the daemon has not confirmed the stop\n");
-    return TLExitCode::kStepFailed;
+    const bool done = client.ask(TL_MSG_STOP, -1, TL_MSG_STOP, kStopPatience);
+    return answer(options, contact, done,
+                  done ? fmt::format("all steps of {} are stopped", contact.state->taskFile)
+                       : busyText(contact));
   }
-  if (!isStep(contact, options.step)) return TLExitCode::kWrongUse;
   client.send(TL_MSG_STOP, options.step);
-  if (!refresh(contact)) return TLExitCode::kStepFailed;
-  fmt::print("step {}: {}\n", options.step,
-             statusText(contact.state->steps[static_cast<std::size_t>(options.step)].status));
-  return TLExitCode::kOk;
+  if (!refresh(contact)) return answer(options, contact, false, busyText(contact));
+  const std::string word =
+      statusText(contact.state->steps[static_cast<std::size_t>(options.step)].status);
+  return answer(options, contact, true, fmt::format("step {}: {}", options.step, word),
+                {{"word", word}});
 }
 
 int suspendTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
+  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
   TLDaemonClient client = contact.join();
   if (options.step == kNoStep) {
-    client.send(TL_MSG_SUSPEND_TASK);
-    fmt::print("asked to end after the next iteration; the daemon ends with the solver\n");
-    return TLExitCode::kOk;
+    return answer(options, contact, client.send(TL_MSG_SUSPEND_TASK),
+                  "asked to end after the next iteration; the daemon ends with the solver");
   }
-  if (!isStep(contact, options.step)) return TLExitCode::kWrongUse;
-  client.send(TL_MSG_SUSPEND_SUBTASK, options.step);
-  fmt::print("step {} is asked to end after the next iteration\n", options.step);
-  return TLExitCode::kOk;
+  return answer(options, contact, client.send(TL_MSG_SUSPEND_SUBTASK, options.step),
+                fmt::format("step {} is asked to end after the next iteration", options.step));
 }
 
 int saveSolution(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  if (!isStep(contact, options.step)) return TLExitCode::kWrongUse;
-  TLDaemonClient client = contact.join();
-  client.send(TL_MSG_SAVE_SOLUTION, options.step);
-  fmt::print("step {} is asked to save its solution\n", options.step);
-  return TLExitCode::kOk;
+  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
+  return answer(options, contact, contact.join().send(TL_MSG_SAVE_SOLUTION, options.step),
+                fmt::format("step {} is asked to save its solution", options.step));
 }
 
 int replayEnds(const ControlOptions& options) {
@@ -220,14 +193,18 @@ int replayEnds(const ControlOptions& options) {
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
   TLDaemonClient client = contact.join();
   if (!client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kPollPatience)) {
-    fmt::print(stderr, "tlctl: the daemon is busy\n");
-    return TLExitCode::kStepFailed;
+    return answer(options, contact, false, busyText(contact));
   }
+  std::string text = "no end message has been missed";
+  Json ends = Json::array();
   for (const auto& report : client.takeEndReports()) {
-    fmt::print("step {} has ended{}\n", report.step, report.texts.empty() ? "" : ":");
-    for (const auto& text : report.texts) fmt::print("  {}\n", text);
+    if (ends.empty()) text.clear();
+    text += fmt::format("{}step {} has ended{}", ends.empty() ? "" : "\n", report.step,
+                        report.texts.empty() ? "" : ":");
+    for (const auto& line : report.texts) text += "\n  " + line;
+    ends.push_back({{"step", report.step}, {"texts", report.texts}});
   }
-  return TLExitCode::kOk;
+  return answer(options, contact, true, text, {{"ends", std::move(ends)}});
 }
 
 int endDaemon(const ControlOptions& options) {
@@ -235,20 +212,20 @@ int endDaemon(const ControlOptions& options) {
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
   TLDaemonClient client = contact.join();
   client.send(TL_MSG_EXIT);
-  if (client.waitGone(kStopPatience)) {
-    fmt::print("the daemon of {} has ended; steps that ran go on\n", contact.state->taskFile);
-    return TLExitCode::kOk;
-  }
-  fmt::print(stderr, "tlctl: the daemon has not ended yet\n");
-  return TLExitCode::kStepFailed;
+  const bool done = client.waitGone(kStopPatience);
+  return answer(options, contact, done,
+                done ? fmt::format("the daemon of {} has ended; steps that ran go on",
+                                   contact.state->taskFile)
+                     : busyText(contact));
 }
 
-enum Wants { kNothing = 0, kTask = 1, kStep = 2, kStepNeeded = 4, kJson = 8 };
+enum Wants { kNothing = 0, kTask = 1, kStep = 2, kStepNeeded = 4 };
 
 std::function<std::function<int()>(CLI::App&)> withOptions(int wants,
                                                            int (*run)(const ControlOptions&)) {
   return [=](CLI::App& app) -> std::function<int()> {
     auto options = std::make_shared<ControlOptions>();
+    options->command = app.get_name();
     if ((wants & kTask) != 0) {
       app.add_option("TASK", options->task,
                      "task file, task name or daemon; the only one if left out");
@@ -258,7 +235,7 @@ std::function<std::function<int()>(CLI::App&)> withOptions(int wants,
           ->check(CLI::NonNegativeNumber)
           ->required((wants & kStepNeeded) != 0);
     }
-    if ((wants & kJson) != 0) app.add_flag("--json", options->json, "print JSON");
+    declareJson(app, options->json);
     return [options, run] { return run(*options); };
   };
 }
@@ -283,7 +260,7 @@ std::vector<TLCommand> controlCommands() {
       {"status",
        "Show how the steps of a running task stand",
        {"tlctl status", "tlctl status heat.task --json"},
-       withOptions(kTask | kJson, showStatus)},
+       withOptions(kTask, showStatus)},
       {"stop",
        "Stop a task, or one of its steps, at once",
        {"tlctl stop heat.task", "tlctl stop heat.task --step 1"},
@@ -307,6 +284,6 @@ std::vector<TLCommand> controlCommands() {
       {"list",
        "List the tasks of this user: daemon, host, state, task, file",
        {"tlctl list", "tlctl list --json"},
-       withOptions(kJson, listTasks)},
+       withOptions(kNothing, listTasks)},
   };
 }

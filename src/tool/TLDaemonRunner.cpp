@@ -8,6 +8,7 @@
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
 #include "taskengine/TLProcessArguments.h"
+#include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
 #include "tool/TLTaskFile.h"
 
@@ -18,7 +19,7 @@ bool TLDaemonRunner::readTask(const std::string& taskFile) {
   taskFile_ = fullPath(taskFile);
   TLTaskFile file(taskFile_);
   if (file.read()) {
-    steps_ = file.steps();
+    run_ = file.run();
     if (!file.checkJobScripts(false)) fmt::print(stderr, "{}", file.report().text());
     return true;
   }
@@ -41,7 +42,9 @@ bool TLDaemonRunner::startMachine() {
     }
   }
   if (TLDaemonClient::enrol()) return true;
-  fmt::print(stderr, "tlctl: cannot join the virtual machine of PVM_TMP={}\n",
+  fmt::print(stderr,
+             "tlctl: cannot join the virtual machine of PVM_TMP={}: is it this user's? End it with "
+             "\"halt\" in the program pvm, then try again\n",
              std::getenv("PVM_TMP"));
   return false;
 }
@@ -57,7 +60,8 @@ bool TLDaemonRunner::startDisplay() {
 bool TLDaemonRunner::spawnDaemon() {
   const std::string program = environment_.daemonProgram();
   if (program.empty()) {
-    fmt::print(stderr, "tlctl: there is no tltaskmgr beside {}\n", hostForm().executablePath());
+    fmt::print(stderr, "tlctl: there is no tltaskmgr beside {}: install the two together\n",
+               hostForm().executablePath());
     return false;
   }
   environment_.exportVariables();

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "taskengine/TLRunState.h"
 #include "tool/TLDisplayServer.h"
-#include "tool/TLTaskFollower.h"
 #include "tool/TLToolEnvironment.h"
 #include "tool/TLVirtualMachineStarter.h"
 
@@ -27,7 +27,8 @@ class TLDaemonRunner {
 
   std::int32_t tid() const { return tid_; }
   const std::string& taskFile() const { return taskFile_; }
-  const std::vector<TLStepLabel>& steps() const { return steps_; }
+  /// The run before its start: what the task file says of it.
+  const TLRunState& run() const { return run_; }
 
  private:
   bool startMachine();
@@ -39,6 +40,6 @@ class TLDaemonRunner {
   TLVirtualMachineStarter machine_;
   TLDisplayServer display_;
   std::string taskFile_;
-  std::vector<TLStepLabel> steps_;
+  TLRunState run_;
   std::int32_t tid_ = 0;
 };

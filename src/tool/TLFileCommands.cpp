@@ -2,13 +2,17 @@
 #include <CLI/CLI.hpp>
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <utility>
 
 #include "platform/TLHostForm.h"
 #include "textio/TLTextSink.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLCommands.h"
 #include "tool/TLDefinitionSummary.h"
 #include "tool/TLExitCode.h"
@@ -27,157 +31,205 @@ struct FileOptions {
   bool json = false;
 };
 
-constexpr int kJsonVersion = 1;
+/// What there is to say about a file.
+struct FileLook {
+  TLFileKind kind = TLFileKind::unknown;
+  bool good = false;
+  std::vector<TLFileRemark> remarks;
+  std::string report;  ///< the remarks as text
+  std::string text;    ///< what it holds, for people
+  nlohmann::json summary = nlohmann::json::object();
+  std::string blocks;  ///< its text in the block syntax
 
-// The whole file: what there is to say about it, and all its blocks.
-void printJson(const std::string& path, TLFileKind kind, nlohmann::json summary,
-               std::string_view text) {
-  const nlohmann::json document{{"version", kJsonVersion},
-                                {"kind", nameOfKind(kind)},
-                                {"file", path},
-                                {"summary", std::move(summary)},
-                                {"content", blocksAsJson(text)}};
-  fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
-}
-
-void printArguments(const TLSubTask& step) {
-  for (const auto& argument : step.arguments.entries()) {
-    fmt::print(
-        "    argument  {} {}{}\n", argument->type(), argument->value(),
-        argument->hasLocalFile() != 0 && argument->localFile() != 0 ? "  (carried along)" : "");
+  void take(const TLFileReport& from) {
+    remarks = from.remarks();
+    report = from.text();
   }
-}
+};
 
-void printStep(const TLSubTask& step, std::size_t position) {
+std::string stepText(const TLSubTask& step, std::size_t position) {
   const auto& balance = step.loadBalancing;
-  fmt::print("  step {}  {}\n    runs      {} on {}{}\n", position, step.name, step.executable,
-             step.hostName, step.enabled != 0 ? "" : "  (disabled)");
-  fmt::print("    starts    {}\n", step.waitingTask == 1   ? "after all steps before it"
-                                   : step.waitingTask == 0 ? "beside the others"
-                                                           : "never");
-  if (balance.parallel != 0)
-    fmt::print("    parallel  {} processes\n", balance.processNames.size());
+  std::string text =
+      fmt::format("  step {}  {}\n    runs      {} on {}{}\n", position, step.name, step.executable,
+                  step.hostName, step.enabled != 0 ? "" : "  (disabled)");
+  text += fmt::format("    starts    {}\n", step.waitingTask == 1   ? "after all steps before it"
+                                            : step.waitingTask == 0 ? "beside the others"
+                                                                    : "never");
+  if (balance.parallel != 0) {
+    text += fmt::format("    parallel  {} processes\n", balance.processNames.size());
+  }
   if (balance.queuingSystemActivated != 0) {
-    fmt::print("    queue     {} of system {}\n", balance.queuingSystemQueue,
-               balance.queuingSystemActivated);
+    text += fmt::format("    queue     {} of system {}\n", balance.queuingSystemQueue,
+                        balance.queuingSystemActivated);
   }
-  printArguments(step);
+  for (const auto& argument : step.arguments.entries()) {
+    const bool carried = argument->hasLocalFile() != 0 && argument->localFile() != 0;
+    text += fmt::format("    argument  {} {}{}\n", argument->type(), argument->value(),
+                        carried ? "  (carried along)" : "");
+  }
+  return text;
 }
 
-int showTask(const FileOptions& options) {
-  TLTaskFile file(options.input);
-  const bool good = file.read() && file.checkJobScripts(true);
-  fmt::print(stderr, "{}", file.report().text());
-  if (!good) return TLExitCode::kStepFailed;
+FileLook lookAtTask(const std::string& path) {
+  TLTaskFile file(path);
+  FileLook look;
+  look.kind = TLFileKind::task;
+  look.good = file.read() && file.checkJobScripts(true);
+  look.take(file.report());
+  if (!look.good) return look;
   const TLTask& task = file.task();
-  if (options.json) {
-    TLTextSink sink;
-    task.write(sink);
-    printJson(options.input, TLFileKind::task, nlohmann::json::object(), sink.text());
-    return TLExitCode::kOk;
-  }
-  fmt::print("task {}\n  file         {}\n  computation  {}\n  steps        {}\n", task.name,
-             options.input, task.computationPath(), task.subTaskCount());
-  for (std::size_t i = 0; i < task.subTasks.size(); ++i) printStep(*task.subTasks[i], i);
-  return TLExitCode::kOk;
+  look.text = fmt::format("task {}\n  file         {}\n  computation  {}\n  steps        {}\n",
+                          task.name, path, task.computationPath(), task.subTaskCount());
+  for (std::size_t i = 0; i < task.subTasks.size(); ++i)
+    look.text += stepText(*task.subTasks[i], i);
+  TLTextSink sink;
+  task.write(sink);
+  look.blocks = sink.text();
+  return look;
 }
 
-// What a file holds, or only that it is good (`check`): remarks go to standard error.
-int showProject(const FileOptions& options) {
-  TLProjectFile file(options.input);
-  const bool good = file.read(TLDefinitionNeed::look, false);
-  fmt::print(stderr, "{}", file.report().text());
-  if (!good) return TLExitCode::kStepFailed;
+FileLook lookAtProject(const std::string& path) {
+  TLProjectFile file(path);
+  FileLook look;
+  look.kind = TLFileKind::project;
+  look.good = file.read(TLDefinitionNeed::look, false);
+  look.take(file.report());
+  if (!look.good) return look;
   const TLSummary summary = summaryOf(file.project());
-  if (options.json) {
-    printJson(options.input, TLFileKind::project, summary.json(), file.text());
-  } else {
-    fmt::print("{}", summary.text());
-  }
-  return TLExitCode::kOk;
+  look.text = summary.text();
+  look.summary = summary.json();
+  look.blocks = file.text();
+  return look;
 }
 
-int showDefinition(const FileOptions& options, TLFileKind kind, const std::string& text) {
-  TLFileReport report(options.input);
+FileLook lookAtDefinition(const std::string& path, TLFileKind kind, const std::string& text) {
+  TLFileReport report(path);
   TLSummary summary;
-  const bool good = summarizeDefinition(kind, text, report, summary);
-  fmt::print(stderr, "{}", report.text());
-  if (!good) return TLExitCode::kStepFailed;
-  if (options.json) {
-    printJson(options.input, kind, summary.json(), text);
-  } else {
-    fmt::print("{}", summary.text());
-  }
-  return TLExitCode::kOk;
+  FileLook look;
+  look.kind = kind;
+  look.good = summarizeDefinition(kind, text, report, summary);
+  look.take(report);
+  look.text = summary.text();
+  look.summary = summary.json();
+  look.blocks = text;
+  return look;
 }
 
-int showFile(const FileOptions& options) {
-  const auto text = hostForm().readFile(options.input);
-  if (!text) return showTask(options);  // says that it can't be opened
+FileLook lookAt(const std::string& path) {
+  const auto text = hostForm().readFile(path);
+  if (!text) return lookAtTask(path);  // says that it can't be opened
   const TLFileKind kind = kindOfText(*text);
   switch (kind) {
     case TLFileKind::project:
-      return showProject(options);
+      return lookAtProject(path);
     case TLFileKind::task:
     case TLFileKind::unknown:
-      return showTask(options);
+      return lookAtTask(path);
     default:
-      return showDefinition(options, kind, *text);
+      return lookAtDefinition(path, kind, *text);
   }
 }
 
-int rewriteProject(const FileOptions& options) {
+nlohmann::json remarksJson(const std::vector<TLFileRemark>& remarks) {
+  auto json = nlohmann::json::array();
+  for (const auto& remark : remarks) {
+    json.push_back({{"fault", remark.isFault},
+                    {"line", remark.line},
+                    {"column", remark.column},
+                    {"text", remark.text},
+                    {"message", remark.message}});
+  }
+  return json;
+}
+
+// `whole`: all that the file holds goes into the JSON, too.
+int showFile(std::string_view command, const FileOptions& options, bool whole) {
+  const FileLook look = lookAt(options.input);
+  fmt::print(stderr, "{}", look.report);
+  if (options.json) {
+    nlohmann::json body{{"kind", nameOfKind(look.kind)},
+                        {"file", options.input},
+                        {"good", look.good},
+                        {"remarks", remarksJson(look.remarks)}};
+    if (whole && look.good) {
+      body["summary"] = look.summary;
+      body["content"] = blocksAsJson(look.blocks);
+    }
+    printAnswer(command, std::move(body));
+  } else if (look.good) {
+    fmt::print("{}", look.text);
+  }
+  return look.good ? TLExitCode::kOk : TLExitCode::kStepFailed;
+}
+
+/// Each answers 0, or an errno of the writing; none, everything said, when there is nothing to
+/// write.
+std::optional<int> rewriteProject(const FileOptions& options) {
   TLProjectFile file(options.input);
   const bool good = file.read(TLDefinitionNeed::rewrite, true);
   fmt::print(stderr, "{}", file.report().text());  // what is lost, too
-  if (!good) return TLExitCode::kStepFailed;
-  return file.project().write(options.output) == 1 ? TLExitCode::kOk : TLExitCode::kStepFailed;
+  if (!good) return std::nullopt;
+  errno = 0;
+  if (file.project().write(options.output) == 1) return 0;
+  return errno == 0 ? EIO : errno;
 }
 
-int rewriteTask(const FileOptions& options) {
+std::optional<int> rewriteTask(const FileOptions& options) {
   TLTaskFile file(options.input);
-  if (!file.read(true)) {
+  if (!file.read(!options.json)) {
     fmt::print(stderr, "{}", file.report().text());
-    return TLExitCode::kStepFailed;
+    return std::nullopt;
   }
   TLTextSink sink;
   file.task().write(sink);
-  const int error = hostForm().replaceFile(options.output, sink.text());
-  if (error == 0) return TLExitCode::kOk;
-  fmt::print(stderr, "tlctl: cannot write {}: {}\n", options.output, std::strerror(error));
-  return TLExitCode::kStepFailed;
+  return hostForm().replaceFile(options.output, sink.text());
 }
 
 // A set and its binary file.
-int rewriteSteering(const FileOptions& options) {
+std::optional<int> rewriteSteering(const FileOptions& options) {
   std::string error;
   const auto set = readSteeringSet(options.input, error);
   if (!set) {
     fmt::print(stderr, "{}", error);
-    return TLExitCode::kStepFailed;
+    return std::nullopt;
   }
-  if (set->updateInBatch == 1) {
-    fmt::print(stderr, "tlctl: {} is not to be saved (updateInBatch 1)\n", options.input);
-    return TLExitCode::kStepFailed;
-  }
-  const int failure = set->saveAs(options.output);
-  if (failure == 0) return TLExitCode::kOk;
-  fmt::print(stderr, "tlctl: cannot write {}: {}\n", options.output, std::strerror(failure));
-  return TLExitCode::kStepFailed;
+  if (set->updateInBatch != 1) return set->saveAs(options.output);
+  complain("rewrite", options.input + " is not to be saved: it says \"updateInBatch 1\"");
+  return std::nullopt;
 }
 
 struct Rewriter {
   std::string_view kind;
-  int (*rewrite)(const FileOptions&);
+  std::optional<int> (*rewrite)(const FileOptions&);
 };
 constexpr Rewriter kRewriters[] = {
     {"task", rewriteTask}, {"project", rewriteProject}, {"steering", rewriteSteering}};
 
 int rewriteFile(const FileOptions& options) {
-  for (const auto& rewriter : kRewriters) {
-    if (rewriter.kind == options.kind) return rewriter.rewrite(options);
+  const auto* rewriter = std::find_if(std::begin(kRewriters), std::end(kRewriters),
+                                      [&](const auto& one) { return one.kind == options.kind; });
+  const auto failure = rewriter->rewrite(options);
+  if (failure && *failure != 0) {
+    complain("rewrite",
+             fmt::format("cannot write {}: {}", options.output, std::strerror(*failure)));
   }
-  return TLExitCode::kWrongUse;
+  const bool done = failure && *failure == 0;
+  if (options.json) {
+    printAnswer("rewrite", {{"kind", options.kind},
+                            {"input", options.input},
+                            {"output", options.output},
+                            {"done", done}});
+  }
+  return done ? TLExitCode::kOk : TLExitCode::kStepFailed;
+}
+
+std::function<std::function<int()>(CLI::App&)> lookCommand(bool whole) {
+  return [whole](CLI::App& app) -> std::function<int()> {
+    auto options = std::make_shared<FileOptions>();
+    app.add_option("FILE", options->input, "any file of the suite")->required();
+    declareJson(app, options->json);
+    return [options, whole, name = app.get_name()] { return showFile(name, *options, whole); };
+  };
 }
 
 }  // namespace
@@ -187,20 +239,11 @@ std::vector<TLCommand> fileCommands() {
       {"check",
        "Read a file as the daemon would and say what it holds and what is wrong with it",
        {"tlctl check heat.task", "tlctl check fan/fan.run > summary.txt"},
-       [](CLI::App& app) -> std::function<int()> {
-         auto options = std::make_shared<FileOptions>();
-         app.add_option("FILE", options->input, "any file of the suite")->required();
-         return [options] { return showFile(*options); };
-       }},
+       lookCommand(false)},
       {"show",
        "Say what a file holds: task, project, run, steering and definition files",
        {"tlctl show fan/fan.run", "tlctl show --json fan/fan.run"},
-       [](CLI::App& app) -> std::function<int()> {
-         auto options = std::make_shared<FileOptions>();
-         app.add_option("FILE", options->input, "any file of the suite")->required();
-         app.add_flag("--json", options->json, "all of it, as JSON");
-         return [options] { return showFile(*options); };
-       }},
+       lookCommand(true)},
       {"rewrite",
        "Read a file and write it in its present form",
        {"tlctl rewrite task old.task new.task", "tlctl rewrite project old.run new.run",
@@ -212,6 +255,7 @@ std::vector<TLCommand> fileCommands() {
              ->check(CLI::IsMember({"task", "project", "steering"}));
          app.add_option("IN", options->input, "file to read")->required();
          app.add_option("OUT", options->output, "file to write")->required();
+         declareJson(app, options->json);
          return [options] { return rewriteFile(*options); };
        }},
   };

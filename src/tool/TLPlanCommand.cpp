@@ -13,6 +13,7 @@
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLCommands.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLTaskFile.h"
@@ -21,7 +22,6 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr int kJsonVersion = 1;
 /// Stands for the identifier that the daemon will have.
 constexpr const char* kDaemonTid = "<tid>";
 
@@ -111,11 +111,6 @@ Json planJson(const TLSubTask& step, std::size_t position, const TLLaunchPlan& p
           {"notes", plan.notes}};
 }
 
-/// Bytes of names that are no UTF-8 are replaced: JSON has no other text.
-void printJson(const Json& json) {
-  fmt::print("{}\n", json.dump(2, ' ', false, Json::error_handler_t::replace));
-}
-
 int planTask(const PlanOptions& options) {
   const TLConsoleRedirect complaints(std::cerr);  // of the records' readers
   const TLToolEnvironment environment;
@@ -142,7 +137,7 @@ int planTask(const PlanOptions& options) {
     }
   }
   if (options.json) {
-    printJson({{"version", kJsonVersion}, {"task", options.task}, {"steps", std::move(steps)}});
+    printAnswer("plan", {{"task", options.task}, {"steps", std::move(steps)}});
   }
   if (file.checkJobScripts(true)) return TLExitCode::kOk;
   fmt::print(stderr, "{}", file.report().text());
@@ -158,7 +153,7 @@ std::vector<TLCommand> planCommands() {
            [](CLI::App& app) -> std::function<int()> {
              auto options = std::make_shared<PlanOptions>();
              app.add_option("FILE", options->task, "task file")->required();
-             app.add_flag("--json", options->json, "as JSON");
+             declareJson(app, options->json);
              return [options] { return planTask(*options); };
            }}};
 }

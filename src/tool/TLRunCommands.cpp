@@ -1,17 +1,21 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <memory>
 
 #include "platform/TLHostForm.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLCommand.h"
 #include "tool/TLCommands.h"
 #include "tool/TLDaemonFinder.h"
 #include "tool/TLDaemonRunner.h"
 #include "tool/TLExitCode.h"
+#include "tool/TLRunView.h"
 #include "tool/TLTaskFile.h"
+#include "tool/TLTaskFollower.h"
 
 namespace {
 
@@ -25,9 +29,11 @@ void markInterrupt(int /*signal*/) {
 }
 
 struct RunOptions {
+  std::string command;
   std::string task;
   std::vector<std::string> tools;
   int intervalMs = 300;
+  bool json = false;
 };
 
 void declareRunOptions(CLI::App& app, RunOptions& options) {
@@ -49,42 +55,66 @@ std::string stateFileOf(const TLToolEnvironment& environment, std::int32_t tid) 
   return {};
 }
 
-int answerOf(TLTaskFollower::End end, const TLTaskFollower& follower, const std::string& task) {
+struct EndWords {
+  TLTaskFollower::End end;
+  const char* word;  ///< in JSON
+};
+constexpr EndWords kEndWords[] = {{TLTaskFollower::End::allEnded, "all_ended"},
+                                  {TLTaskFollower::End::daemonGone, "daemon_gone"},
+                                  {TLTaskFollower::End::interrupted, "left"},
+                                  {TLTaskFollower::End::noStart, "no_start"}};
+
+void sayHowItEnded(const RunOptions& options, TLTaskFollower::End end, const std::string& task,
+                   const std::string& startError) {
   switch (end) {
     case TLTaskFollower::End::allEnded:
       break;
     case TLTaskFollower::End::daemonGone:
-      fmt::print(stderr, "tlctl: the daemon of {} is gone\n", task);
+      complain(options.command, fmt::format("the daemon of {} is gone", task));
       break;
     case TLTaskFollower::End::interrupted:
-      fmt::print(stderr,
-                 "tlctl: left; the task goes on. Come back with: tlctl attach {}\n"
-                 "       end it with: tlctl stop {}\n",
-                 task, task);
-      return TLExitCode::kOk;
+      complain(options.command,
+               fmt::format("left; the task goes on. Come back with: tlctl attach {}\n"
+                           "       end it with: tlctl stop {}",
+                           task, task));
+      break;
     case TLTaskFollower::End::noStart:
-      return TLExitCode::kStepFailed;
+      complain(options.command, startError);
+      break;
   }
-  fmt::print("\n{}", follower.table());
-  return follower.allOk() ? TLExitCode::kOk : TLExitCode::kStepFailed;
+}
+
+int answerOf(const RunOptions& options, TLTaskFollower::End end, const TLTaskFollower& follower) {
+  const auto* words = std::find_if(std::begin(kEndWords), std::end(kEndWords),
+                                   [&](const EndWords& one) { return one.end == end; });
+  const bool left = end == TLTaskFollower::End::interrupted;
+  if (options.json) {
+    auto body = statusJson(follower.run());
+    body["end"] = words->word;
+    printAnswer(options.command, std::move(body));
+  } else if (!left && end != TLTaskFollower::End::noStart) {
+    fmt::print("\n{}", statusTable(follower.run(), TLTerminal()));
+  }
+  return left || follower.allOk() ? TLExitCode::kOk : TLExitCode::kStepFailed;
 }
 
 // Follows to the end; ends a daemon whose steps have all ended.
-int followAndEnd(const TLToolEnvironment& environment, TLDaemonClient& client,
-                 const std::vector<TLStepLabel>& steps, const std::string& task, int intervalMs,
-                 bool endDaemon, bool& left, TLSteeringMirror* mirror = nullptr) {
+int followAndEnd(const RunOptions& options, const TLToolEnvironment& environment,
+                 TLDaemonClient& client, const TLRunState& run, bool endDaemon, bool& left,
+                 TLSteeringMirror* mirror = nullptr) {
   std::signal(SIGINT, markInterrupt);
   std::signal(SIGTERM, markInterrupt);
-  TLTaskFollower follower(client, steps, stateFileOf(environment, client.tid()));
+  TLTaskFollower follower(client, run, stateFileOf(environment, client.tid()));
+  if (options.json) follower.keepOutputFree();
   if (mirror != nullptr) follower.showResiduals(*mirror);
-  const auto end = follower.follow(std::chrono::milliseconds(intervalMs), gInterrupted);
-  if (end == TLTaskFollower::End::noStart) fmt::print(stderr, "{}\n", client.startError());
+  const auto end = follower.follow(std::chrono::milliseconds(options.intervalMs), gInterrupted);
+  sayHowItEnded(options, end, run.taskFile, client.startError());
   left = end == TLTaskFollower::End::interrupted;
   if (end == TLTaskFollower::End::allEnded && endDaemon) {
     client.send(TL_MSG_EXIT);
     client.waitGone(kEndPatience);
   }
-  return answerOf(end, follower, task);
+  return answerOf(options, end, follower);
 }
 
 int runTask(const RunOptions& options) {
@@ -97,8 +127,7 @@ int runTask(const RunOptions& options) {
   }
   TLDaemonClient client(runner.tid());
   bool left = false;
-  const int code = followAndEnd(environment, client, runner.steps(), options.task,
-                                options.intervalMs, true, left);
+  const int code = followAndEnd(options, environment, client, runner.run(), true, left);
   if (!left) runner.stop();
   return code;
 }
@@ -113,12 +142,18 @@ int startTask(const RunOptions& options) {
   }
   TLDaemonClient client(runner.tid());
   if (!client.poll(kEndPatience)) {
-    fmt::print(stderr, "tlctl: the daemon did not come up{}{}\n",
-               client.startError().empty() ? "" : ": ", client.startError());
+    complain(options.command, client.startError().empty()
+                                  ? "the daemon did not come up: see " +
+                                        environment.userDirectory() + "/virtual-machine.log"
+                                  : "the daemon did not come up: " + client.startError());
     runner.stop();
     return TLExitCode::kStepFailed;
   }
-  fmt::print("daemon {} runs {}\n", runner.tid(), runner.taskFile());
+  if (options.json) {
+    printAnswer(options.command, {{"task_file", runner.taskFile()}, {"daemon", runner.tid()}});
+  } else {
+    fmt::print("daemon {} runs {}\n", runner.tid(), runner.taskFile());
+  }
   return TLExitCode::kOk;
 }
 
@@ -141,13 +176,16 @@ int followRunning(const RunOptions& options, bool residuals) {
   if (!state) return TLExitCode::kNobodyThere;
   TLDaemonClient client(state->tid);
   client.send(TL_MSG_RECONNECTED);
-  if (!client.poll(kReplayPatience)) fmt::print(stderr, "tlctl: the daemon is busy\n");
+  if (!client.poll(kReplayPatience)) {
+    complain(options.command,
+             fmt::format("daemon {} is busy with a start or a copy; waiting for it", state->tid));
+  }
   client.ask(TL_MSG_GET_STATUS_MESSAGE, TL_MSG_GET_STATUS_MESSAGE, kReplayPatience);
-  std::vector<TLStepLabel> steps;
-  for (const auto& step : state->steps) steps.push_back({step.name, step.executable, step.host});
+  TLRunState run = *state;
+  for (auto& step : run.steps) step.status = 0;  // so that the first answer is shown whole
   bool left = false;
   TLSteeringMirror mirror(steeringNames(*state));
-  return followAndEnd(environment, client, steps, state->taskFile, options.intervalMs, false, left,
+  return followAndEnd(options, environment, client, run, false, left,
                       residuals ? &mirror : nullptr);
 }
 
@@ -156,6 +194,7 @@ std::function<std::function<int()>(CLI::App&)> withOptions(bool required, bool t
                                                            Run run) {
   return [=](CLI::App& app) -> std::function<int()> {
     auto options = std::make_shared<RunOptions>();
+    options->command = app.get_name();
     if (tools) {
       declareRunOptions(app, *options);
     } else {
@@ -164,6 +203,7 @@ std::function<std::function<int()>(CLI::App&)> withOptions(bool required, bool t
           ->required(required);
     }
     if (interval) declareInterval(app, *options);
+    declareJson(app, options->json);
     return [options, run] { return run(*options); };
   };
 }

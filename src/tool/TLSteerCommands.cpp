@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 
+#include "tool/TLAnswer.h"
 #include "tool/TLCommands.h"
 #include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
@@ -17,7 +18,6 @@
 
 namespace {
 
-constexpr int kJsonVersion = 1;
 constexpr int kNoStep = -1;
 constexpr TLDaemonClient::Seconds kPatience{30.0};
 
@@ -58,46 +58,57 @@ std::string steeringFileOf(const std::string& taskFile, int step, std::string& e
   return {};
 }
 
-void print(const TLSteeringSettings& settings, bool json) {
-  if (json) {
-    nlohmann::json document{{"version", kJsonVersion}, {"settings", nlohmann::json::array()}};
-    for (const auto& setting : settings.all()) {
-      document["settings"].push_back({{"name", setting.name},
-                                      {"parameter", setting.parameter},
-                                      {"entry", setting.entry},
-                                      {"kind", setting.kind},
-                                      {"value", setting.value()}});
-    }
-    fmt::print("{}\n", document.dump(2, ' ', false, nlohmann::json::error_handler_t::replace));
-    return;
-  }
+nlohmann::json settingJson(const TLSteeringSetting& setting) {
+  return {{"name", setting.name},
+          {"parameter", setting.parameter},
+          {"entry", setting.entry},
+          {"kind", setting.kind},
+          {"value", setting.value()}};
+}
+
+void printAll(const TLSteeringSettings& settings, bool json) {
+  auto list = nlohmann::json::array();
   for (const auto& setting : settings.all()) {
-    fmt::print("{}\t{}\t{}\n", setting.name, setting.kind, setting.value());
+    if (json) {
+      list.push_back(settingJson(setting));
+    } else {
+      fmt::print("{}\t{}\t{}\n", setting.name, setting.kind, setting.value());
+    }
   }
+  if (json) printAnswer("steer", {{"settings", std::move(list)}});
+}
+
+int printOne(const TLSteeringSetting& setting, bool json, const std::string& text) {
+  if (json) {
+    printAnswer("steer", {{"settings", {settingJson(setting)}}});
+  } else {
+    fmt::print("{}\n", text);
+  }
+  return TLExitCode::kOk;
 }
 
 // Changes the file, so that the next change and the next start begin from it, then the run.
 int change(const SteerOptions& options, const Handle<TLSteeringParameters>& set,
            const TLSteeringSetting& setting, std::int32_t daemon) {
   if (!setting.store(options.value)) {
-    fmt::print(stderr, "tlctl: \"{}\" is no value of {}: it takes {}\n", options.value,
-               setting.name, setting.wanted);
+    complain("steer", fmt::format("\"{}\" is no value of {}: it takes {}", options.value,
+                                  setting.name, setting.wanted));
     return TLExitCode::kWrongUse;
   }
   const int failure = set->saveAs(set->name);
   if (failure != 0) {
-    fmt::print(stderr, "tlctl: cannot write {}: {}\n", set->name, std::strerror(failure));
+    complain("steer", fmt::format("cannot write {}: {}", set->name, std::strerror(failure)));
     return TLExitCode::kStepFailed;
   }
   TLDaemonClient client(daemon);
   client.send(
       TL_MSG_RECONNECTED);  // a daemon hears only those who have told it that they are there
   if (!client.sendSettings(set) || !client.poll(kPatience)) {
-    fmt::print(stderr, "tlctl: the daemon is busy; {} holds the change\n", set->name);
+    complain("steer", fmt::format("daemon {} is busy and has not taken the change yet; {} holds it",
+                                  daemon, set->name));
     return TLExitCode::kStepFailed;
   }
-  fmt::print("{}\t{}\n", setting.name, setting.value());
-  return TLExitCode::kOk;
+  return printOne(setting, options.json, setting.name + "\t" + setting.value());
 }
 
 int steer(const SteerOptions& options) {
@@ -107,7 +118,7 @@ int steer(const SteerOptions& options) {
   TLVirtualMachineStarter machine(environment.userDirectory());
   const bool changes = options.action == "set";
   if (!state || (changes && !findDaemon(environment, machine, options.task))) {
-    if (!state) fmt::print(stderr, "tlctl: {}\n", error);
+    if (!state) complain("steer", error);
     return TLExitCode::kNobodyThere;
   }
   const std::string file = steeringFileOf(state->taskFile, options.step, error);
@@ -118,17 +129,16 @@ int steer(const SteerOptions& options) {
   }
   const TLSteeringSettings settings(set);
   if (options.action == "list") {
-    print(settings, options.json);
+    printAll(settings, options.json);
     return TLExitCode::kOk;
   }
   const TLSteeringSetting* setting = settings.find(options.name, error);
   if (setting == nullptr) {
-    fmt::print(stderr, "tlctl: {}\n", error);
+    complain("steer", error);
     return TLExitCode::kWrongUse;
   }
   if (changes) return change(options, set, *setting, state->tid);
-  fmt::print("{}\n", setting->value());
-  return TLExitCode::kOk;
+  return printOne(*setting, options.json, setting->value());
 }
 
 // The words behind the name make up the value. Options are known by name, so that a negative number
@@ -146,9 +156,9 @@ bool takeValue(CLI::App& app, SteerOptions& options) {
       (changes ? !options.value.empty() : options.value.empty())) {
     return true;
   }
-  fmt::print(stderr, "tlctl steer: {}\n",
-             !unknown.empty() ? "there is no option " + unknown
-             : changes        ? "set needs a name and a value"
+  complain("steer", !unknown.empty()
+                        ? "there is no option " + unknown + "; see \"tlctl steer --help\""
+                    : changes ? "set needs a name and a value"
                               : "list takes nothing more, get takes one name");
   return false;
 }
@@ -162,7 +172,7 @@ std::function<int()> defineSteer(CLI::App& app) {
   app.add_option("NAME", options->name, "setting, as list shows it; a value follows for set");
   app.add_option("--step", options->step, "position of the solver's step, from 0")
       ->check(CLI::NonNegativeNumber);
-  app.add_flag("--json", options->json, "list as JSON");
+  declareJson(app, options->json);
   app.allow_extras();
   return [options, &app] {
     return takeValue(app, *options) ? steer(*options) : TLExitCode::kWrongUse;
@@ -174,6 +184,7 @@ struct PlotOptions {
   std::string output;
   int width = 900;
   int height = 320;
+  bool json = false;
 };
 
 int plot(const PlotOptions& options) {
@@ -186,13 +197,21 @@ int plot(const PlotOptions& options) {
   TLPlotPicture picture(options.width, options.height);
   picture.add(*set);
   if (picture.panels() == 0) {
-    fmt::print(stderr, "tlctl: {} holds no values\n", options.input);
+    complain("plot",
+             options.input + " holds no values: has its run begun, and saved its steering?");
     return TLExitCode::kStepFailed;
   }
   const int failure = picture.write(options.output);
-  if (failure == 0) return TLExitCode::kOk;
-  fmt::print(stderr, "tlctl: cannot write {}: {}\n", options.output, std::strerror(failure));
-  return TLExitCode::kStepFailed;
+  if (failure != 0) {
+    complain("plot", fmt::format("cannot write {}: {}", options.output, std::strerror(failure)));
+    return TLExitCode::kStepFailed;
+  }
+  if (options.json) {
+    printAnswer(
+        "plot",
+        {{"input", options.input}, {"output", options.output}, {"plots", picture.panels()}});
+  }
+  return TLExitCode::kOk;
 }
 
 }  // namespace
@@ -206,7 +225,8 @@ std::vector<TLCommand> steerCommands() {
        defineSteer},
       {"plot",
        "Draw what a steering file and its binary file hold: residuals, curves, surfaces",
-       {"tlctl plot heat.steering -o heat.png"},
+       {"tlctl plot heat.steering -o heat.png",
+        "tlctl plot heat.steering -o heat.png --width 1600 --height 480"},
        [](CLI::App& app) -> std::function<int()> {
          auto options = std::make_shared<PlotOptions>();
          app.add_option("FILE", options->input, "steering file")->required();
@@ -217,6 +237,7 @@ std::vector<TLCommand> steerCommands() {
          app.add_option("--height", options->height, "of each plot in it, in pixels")
              ->check(CLI::Range(120, 4000))
              ->capture_default_str();
+         declareJson(app, options->json);
          return [options] { return plot(*options); };
        }},
   };

@@ -57,12 +57,17 @@ bool TLTaskFile::checkJobScripts(bool firm) {
   return good;
 }
 
-std::vector<TLStepLabel> TLTaskFile::steps() const {
-  std::vector<TLStepLabel> steps;
+TLRunState TLTaskFile::run() const {
+  TLRunState run;
+  run.taskFile = path_;
+  run.taskName = task_->name;
   for (const auto& step : task_->subTasks) {
-    steps.push_back({step->name, step->executable, step->hostName});
+    TLRunStateStep& entry = run.steps.emplace_back();
+    entry.name = step->name;
+    entry.executable = step->executable;
+    entry.host = step->hostName;
   }
-  return steps;
+  return run;
 }
 
 std::vector<std::string> TLTaskFile::steeringFiles() const {

@@ -3,9 +3,9 @@
 #include <string>
 #include <vector>
 
+#include "taskengine/TLRunState.h"
 #include "taskengine/TLTask.h"
 #include "tool/TLFileReport.h"
-#include "tool/TLTaskFollower.h"
 
 /// A task file as the daemon's own records read it, with what there is to say about it.
 class TLTaskFile {
@@ -25,7 +25,8 @@ class TLTaskFile {
 
   const TLTask& task() const { return *task_; }
   const TLFileReport& report() const { return report_; }
-  std::vector<TLStepLabel> steps() const;
+  /// A run of this task before its start.
+  TLRunState run() const;
   /// Per step the value of its first "-steering" argument, empty without.
   std::vector<std::string> steeringFiles() const;
 

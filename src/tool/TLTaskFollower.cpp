@@ -8,10 +8,10 @@
 #include <utility>
 
 #include "tool/TLBraillePlot.h"
+#include "tool/TLRunView.h"
 
 namespace {
 
-constexpr std::int32_t kPending = 0;
 constexpr std::int32_t kRunning = 1;
 constexpr std::int32_t kFinishedOk = 2;
 constexpr TLDaemonClient::Seconds kPatience{30.0};
@@ -30,14 +30,13 @@ std::string joinedTexts(const std::vector<std::string>& texts) {
 
 }  // namespace
 
-TLTaskFollower::TLTaskFollower(TLDaemonClient& client, std::vector<TLStepLabel> steps,
-                               std::string stateFile)
-    : client_(client),
-      steps_(std::move(steps)),
-      stateFile_(std::move(stateFile)),
-      shown_(steps_.size(), kPending),
-      startTimes_(steps_.size()),
-      endTimes_(steps_.size()) {}
+TLTaskFollower::TLTaskFollower(TLDaemonClient& client, TLRunState run, std::string stateFile)
+    : client_(client), run_(std::move(run)), stateFile_(std::move(stateFile)) {}
+
+bool TLTaskFollower::allEnded() const {
+  return std::all_of(run_.steps.begin(), run_.steps.end(),
+                     [](const TLRunStateStep& step) { return isTerminalStatus(step.status); });
+}
 
 TLTaskFollower::End TLTaskFollower::follow(std::chrono::milliseconds interval,
                                            const volatile int& interrupted) {
@@ -46,7 +45,7 @@ TLTaskFollower::End TLTaskFollower::follow(std::chrono::milliseconds interval,
       clearProgress();
       return client_.startError().empty() ? End::daemonGone : End::noStart;
     }
-    if (std::all_of(shown_.begin(), shown_.end(), isTerminalStatus)) break;
+    if (allEnded()) break;
     showResidualNews();
     const auto next = Clock::now() + interval;
     while (Clock::now() < next) {
@@ -91,8 +90,8 @@ std::vector<std::string> TLTaskFollower::residualLines() const {
 void TLTaskFollower::showLastPlot() {
   if (!terminal_.isTerminal()) return;
   clearProgress();
-  for (const auto& line : residualLines()) fmt::print("{}\n", line);
-  std::fflush(stdout);
+  for (const auto& line : residualLines()) fmt::print(out_, "{}\n", line);
+  std::fflush(out_);
 }
 
 // A daemon that is busy with a launch or a copy answers late: only its absence ends the following.
@@ -109,17 +108,18 @@ bool TLTaskFollower::update() {
 }
 
 void TLTaskFollower::showChanges(const std::vector<std::int32_t>& statuses) {
-  const auto now = Clock::now();
-  for (std::size_t i = 0; i < std::min(statuses.size(), shown_.size()); ++i) {
-    if (statuses[i] == shown_[i]) continue;
-    if (shown_[i] == kPending) startTimes_[i] = now;
-    shown_[i] = statuses[i];
+  const double now = secondsNow();
+  for (std::size_t i = 0; i < std::min(statuses.size(), run_.steps.size()); ++i) {
+    TLRunStateStep& step = run_.steps[i];
+    if (statuses[i] == step.status) continue;
+    step.status = statuses[i];
+    if (step.started <= 0) step.started = now;
     const std::string word = statusText(statuses[i]);
     std::string line = fmt::format("{}: {}", label(i), terminal_.statusColoured(word, word));
-    if (statuses[i] == kRunning) line += " on " + steps_[i].host;
+    if (statuses[i] == kRunning) line += " on " + step.host;
     if (isTerminalStatus(statuses[i])) {
-      endTimes_[i] = now;
-      line += " after " + durationText(elapsed(i));
+      if (step.ended <= 0) step.ended = now;
+      line += " after " + durationText(elapsedOf(step, now));
     }
     printLine(line);
   }
@@ -129,54 +129,56 @@ void TLTaskFollower::showReports() {
   for (const auto& report : client_.takeEndReports()) {
     if (report.texts.empty()) continue;
     const std::string text = joinedTexts(report.texts);
-    reasons_[report.step] = text;
-    const bool known = report.step >= 0 && report.step < static_cast<std::int32_t>(steps_.size());
+    const bool known =
+        report.step >= 0 && report.step < static_cast<std::int32_t>(run_.steps.size());
+    if (known) run_.steps[static_cast<std::size_t>(report.step)].reason = text;
     printLine((known ? label(static_cast<std::size_t>(report.step)) + ": " : "") + text);
   }
 }
 
+// What the daemon notes of itself, but for the statuses: those of a poll are never older.
 void TLTaskFollower::readState() {
-  const auto state = TLRunState::load(stateFile_);
-  if (!state) return;
-  for (std::size_t i = 0; i < std::min(state->steps.size(), steps_.size()); ++i) {
-    const auto& step = state->steps[i];
-    if (!step.reason.empty()) reasons_[static_cast<std::int32_t>(i)] = step.reason;
-    if (!step.host.empty()) steps_[i].host = step.host;
+  auto noted = TLRunState::load(stateFile_);
+  if (!noted || noted->steps.size() != run_.steps.size()) return;
+  for (std::size_t i = 0; i < run_.steps.size(); ++i) {
+    TLRunStateStep& step = noted->steps[i];
+    const TLRunStateStep& known = run_.steps[i];
+    step.status = known.status;
+    if (step.reason.empty()) step.reason = known.reason;
+    if (step.started <= 0) step.started = known.started;
+    if (step.ended <= 0) step.ended = known.ended;
   }
+  run_ = std::move(*noted);
 }
 
 std::string TLTaskFollower::label(std::size_t step) const {
-  return fmt::format("step {} {}", step, steps_[step].name);
-}
-
-double TLTaskFollower::elapsed(std::size_t step) const {
-  if (startTimes_[step] == Clock::time_point()) return 0;
-  const auto end = isTerminalStatus(shown_[step]) ? endTimes_[step] : Clock::now();
-  return std::chrono::duration<double>(end - startTimes_[step]).count();
+  return fmt::format("step {} {}", step, run_.steps[step].name);
 }
 
 void TLTaskFollower::printLine(const std::string& text) {
   clearProgress();
-  fmt::print("{}  {}\n", clockText(), text);
-  std::fflush(stdout);
+  fmt::print(out_, "{}  {}\n", clockText(), text);
+  std::fflush(out_);
 }
 
 void TLTaskFollower::showProgress() {
   if (!terminal_.isTerminal()) return;
-  const auto ended = std::count_if(shown_.begin(), shown_.end(), isTerminalStatus);
+  const auto ended = std::ranges::count_if(
+      run_.steps, [](const TLRunStateStep& step) { return isTerminalStatus(step.status); });
   std::string line =
-      fmt::format("{}/{} steps done, {}", ended, shown_.size(),
+      fmt::format("{}/{} steps done, {}", ended, run_.steps.size(),
                   durationText(std::chrono::duration<double>(Clock::now() - begin_).count()));
-  for (std::size_t i = 0; i < shown_.size(); ++i) {
-    if (shown_[i] != kRunning) continue;
-    line += fmt::format("  |  {} running {}", steps_[i].name, durationText(elapsed(i)));
+  for (const auto& step : run_.steps) {
+    if (step.status != kRunning) continue;
+    line +=
+        fmt::format("  |  {} running {}", step.name, durationText(elapsedOf(step, secondsNow())));
   }
   const auto width = static_cast<std::size_t>(terminal_.width() - 1);
   clearProgress();
   const auto plot = residualLines();
-  for (const auto& row : plot) fmt::print("{}\n", row);
-  fmt::print("{}", line.substr(0, width));
-  std::fflush(stdout);
+  for (const auto& row : plot) fmt::print(out_, "{}\n", row);
+  fmt::print(out_, "{}", line.substr(0, width));
+  std::fflush(out_);
   linesShown_ = static_cast<int>(plot.size()) + 1;
   widthShown_ = terminal_.width();
 }
@@ -187,28 +189,12 @@ void TLTaskFollower::clearProgress() {
   const int width = std::max(terminal_.width(), 1);
   const int broken = width < widthShown_ ? (widthShown_ + width - 1) / width : 1;
   const int above = std::min(linesShown_ * broken, terminal_.height()) - 1;
-  fmt::print("\r{}\x1b[J", above > 0 ? fmt::format("\x1b[{}A", above) : "");
-  std::fflush(stdout);
+  fmt::print(out_, "\r{}\x1b[J", above > 0 ? fmt::format("\x1b[{}A", above) : "");
+  std::fflush(out_);
   linesShown_ = 0;
 }
 
 bool TLTaskFollower::allOk() const {
-  return std::all_of(shown_.begin(), shown_.end(),
-                     [](std::int32_t status) { return status == kFinishedOk; });
-}
-
-std::string TLTaskFollower::table() const {
-  std::size_t widest = 4;
-  for (const auto& step : steps_) widest = std::max(widest, step.name.size());
-  std::string text = fmt::format("step  {:<{}}  {:<12}  {:>10}  {}\n", "name", widest, "status",
-                                 "time", "host, and why");
-  for (std::size_t i = 0; i < steps_.size(); ++i) {
-    const std::string word = statusText(shown_[i]);
-    const auto reason = reasons_.find(static_cast<std::int32_t>(i));
-    text += fmt::format("{:>4}  {:<{}}  {}  {:>10}  {}{}\n", i, steps_[i].name, widest,
-                        terminal_.statusColoured(word, fmt::format("{:<12}", word)),
-                        durationText(elapsed(i)), steps_[i].host,
-                        reason == reasons_.end() ? "" : ": " + reason->second);
-  }
-  return text;
+  return std::all_of(run_.steps.begin(), run_.steps.end(),
+                     [](const TLRunStateStep& step) { return step.status == kFinishedOk; });
 }

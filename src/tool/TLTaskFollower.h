@@ -2,20 +2,13 @@
 
 #include <chrono>
 #include <cstdint>
-#include <map>
+#include <cstdio>
 #include <string>
 #include <vector>
 
 #include "taskengine/TLRunState.h"
 #include "tool/TLDaemonClient.h"
 #include "tool/TLTerminal.h"
-
-/// Names of the steps of a task, as they are shown.
-struct TLStepLabel {
-  std::string name;
-  std::string executable;
-  std::string host;
-};
 
 /// Follows one daemon from the outside: polls it, prints each change of a step's status and each
 /// reason of an end as it comes, and keeps one line of progress on a terminal.
@@ -28,7 +21,12 @@ class TLTaskFollower {
     noStart       ///< the daemon said that it can't run the task
   };
 
-  TLTaskFollower(TLDaemonClient& client, std::vector<TLStepLabel> steps, std::string stateFile);
+  /// `run`: what is known of the run so far, with the names of all steps; the rest comes from the
+  /// daemon's answers and from its state file.
+  TLTaskFollower(TLDaemonClient& client, TLRunState run, std::string stateFile);
+
+  /// Lines go to standard error: standard output is for the answer alone.
+  void keepOutputFree() { out_ = stderr; }
 
   /// Shows the residuals that come as answers to its polls: drawn above the line of progress on a
   /// terminal, as lines of numbers elsewhere. `mirror` must live as long as this object.
@@ -37,11 +35,10 @@ class TLTaskFollower {
   /// Polls every `interval` until one of the ends; `interrupted` is looked at all the time.
   End follow(std::chrono::milliseconds interval, const volatile int& interrupted);
 
-  /// Every step as it stands: name, host, status, time, reason.
-  std::string table() const;
+  /// The run as it stands.
+  const TLRunState& run() const { return run_; }
   /// True when every step ended ok.
   bool allOk() const;
-  const std::vector<std::int32_t>& statuses() const { return shown_; }
 
  private:
   using Clock = std::chrono::steady_clock;
@@ -56,17 +53,14 @@ class TLTaskFollower {
   std::vector<std::string> residualLines() const;
   void printLine(const std::string& text);
   void readState();
-  double elapsed(std::size_t step) const;
+  bool allEnded() const;
   std::string label(std::size_t step) const;
 
   TLDaemonClient& client_;
-  std::vector<TLStepLabel> steps_;
+  TLRunState run_;
   std::string stateFile_;
   TLTerminal terminal_;
-  std::vector<std::int32_t> shown_;
-  std::vector<Clock::time_point> startTimes_;
-  std::vector<Clock::time_point> endTimes_;
-  std::map<std::int32_t, std::string> reasons_;
+  std::FILE* out_ = stdout;
   Clock::time_point begin_ = Clock::now();
   TLSteeringMirror* mirror_ = nullptr;
   int linesShown_ = 0;  ///< of plot and progress

@@ -30,5 +30,7 @@ class TLTerminal {
 
 /// "1 h 02 min", "3 min 05 s", "4.2 s".
 std::string durationText(double seconds);
+/// Seconds since the epoch.
+double secondsNow();
 /// Local time of day, "14:03:27".
 std::string clockText();

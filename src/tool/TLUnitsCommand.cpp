@@ -1,9 +1,7 @@
 #include <fmt/format.h>
 #include <CLI/CLI.hpp>
-#include <nlohmann/json.hpp>
 
 #include <charconv>
-#include <cstdio>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -14,13 +12,12 @@
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "textio/TLNumbers.h"
+#include "tool/TLAnswer.h"
 #include "tool/TLCommands.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLFileReport.h"
 
 namespace {
-
-constexpr int kJsonVersion = 1;
 
 struct UnitsOptions {
   double value = 0.0;
@@ -31,7 +28,7 @@ struct UnitsOptions {
 };
 
 int refuse(const std::string& reason) {
-  fmt::print(stderr, "tlctl units: {}\n", reason);
+  complain("units", reason);
   return TLExitCode::kStepFailed;
 }
 
@@ -96,14 +93,12 @@ int convert(const UnitsOptions& options) {
   }
   const double result = options.value * factor;
   if (options.json) {
-    const nlohmann::json document{{"version", kJsonVersion},
-                                  {"quantity", options.quantity},
-                                  {"from", units->unitsName(*from)},
-                                  {"to", units->unitsName(*to)},
-                                  {"factor", factor},
-                                  {"value", options.value},
-                                  {"result", result}};
-    fmt::print("{}\n", document.dump(2));
+    printAnswer("units", {{"quantity", options.quantity},
+                          {"from", units->unitsName(*from)},
+                          {"to", units->unitsName(*to)},
+                          {"factor", factor},
+                          {"value", options.value},
+                          {"result", result}});
   } else {
     fmt::print("{:.10g} {}\n", result, units->unitsName(*to));
   }
@@ -123,7 +118,7 @@ std::vector<TLCommand> unitsCommands() {
              app.add_option("TO", options->to, "the unit to give it in")->required();
              app.add_option("--quantity", options->quantity, "the quantity, such as length")
                  ->required();
-             app.add_flag("--json", options->json, "as JSON");
+             declareJson(app, options->json);
              return [options] { return convert(*options); };
            }}};
 }

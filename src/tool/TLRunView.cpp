@@ -1,0 +1,64 @@
+#include "tool/TLRunView.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+
+#include "tool/TLDaemonClient.h"
+#include "tool/TLDaemonFinder.h"
+
+namespace {
+
+using Json = nlohmann::json;
+
+Json stepJson(const TLRunStateStep& step, std::size_t position) {
+  return {{"step", position},          {"name", step.name},     {"executable", step.executable},
+          {"host", step.host},         {"status", step.status}, {"word", statusText(step.status)},
+          {"children", step.children}, {"job", step.jobNumber}, {"queue_state", step.queueState},
+          {"started", step.started},   {"ended", step.ended},   {"reason", step.reason}};
+}
+
+std::string jobText(const TLRunStateStep& step) {
+  if (step.queue == 0 || step.jobNumber <= 0) return {};
+  return fmt::format(", job {}{}{}", step.jobNumber, step.queueState.empty() ? "" : " ",
+                     step.queueState);
+}
+
+}  // namespace
+
+double elapsedOf(const TLRunStateStep& step, double now) {
+  if (step.started <= 0) return 0;
+  return std::max(0.0, (step.ended > 0 ? step.ended : now) - step.started);
+}
+
+std::string placeAndReason(const TLRunStateStep& step) {
+  return step.host + jobText(step) + (step.reason.empty() ? "" : ": " + step.reason);
+}
+
+std::string statusTable(const TLRunState& state, const TLTerminal& terminal) {
+  std::size_t widest = 4;
+  for (const auto& step : state.steps) widest = std::max(widest, step.name.size());
+  const double now = secondsNow();
+  std::string text = fmt::format("step  {:<{}}  {:<12}  {:>10}  {}\n", "name", widest, "status",
+                                 "time", "host, and why");
+  for (std::size_t i = 0; i < state.steps.size(); ++i) {
+    const auto& step = state.steps[i];
+    const std::string word = statusText(step.status);
+    text += fmt::format("{:>4}  {:<{}}  {}  {:>10}  {}\n", i, step.name, widest,
+                        terminal.statusColoured(word, fmt::format("{:<12}", word)),
+                        durationText(elapsedOf(step, now)), placeAndReason(step));
+  }
+  return text;
+}
+
+Json statusJson(const TLRunState& state) {
+  Json json = {{"task_file", state.taskFile}, {"task", state.taskName},
+               {"daemon", state.tid},         {"pid", state.pid},
+               {"host", state.host},          {"started", state.started},
+               {"live", isLive(state)},       {"log", state.logFile},
+               {"steps", Json::array()}};
+  for (std::size_t i = 0; i < state.steps.size(); ++i) {
+    json["steps"].push_back(stepJson(state.steps[i], i));
+  }
+  return json;
+}
