@@ -4,36 +4,12 @@
 #include <iostream>
 
 #include "parameters/TLHexaParametersDataBase.h"
-#include "support/DefinitionGenerator.h"
 #include "support/Definitions.h"
 #include "support/RecordTexts.h"
 
 namespace {
 
 using ::testing::ElementsAre;
-
-std::string setting(const char* name, const char* type, const char* number, const char* value) {
-  return std::string("          VERSION                     1.0\n\n") +
-         "          NAME                        " + name + '\n' +
-         "          GLOBAL                      yes\n" + "          TYPE                        " +
-         type + '\n' + "          EXPERT                      no\n" +
-         "          NUMBER                      " + number + '\n' +
-         "          VALUE                       " + value + '\n';
-}
-
-TEST(HexaParameter, RoundTrip) {
-  for (const auto& text : {
-           setting("tm_cflV_", "REAL", "1", "0.5"),
-           setting("a_", "INTEGER", "2 3", "1 2 3 4 5 6"),
-           setting("sns_alpha_", "FLOAT", "2 1", "1.5 2"),
-           setting("s_", "STRING", "1", "'two words'"),
-           setting("s_", "STRING", "1", "''"),
-           setting("s_", "STRING", "4", "one 'two words' '' three"),
-           setting("none_", "REAL", "0", ""),
-       }) {
-    EXPECT_EQ(rewritten<TLParameter>(text), text);
-  }
-}
 
 TEST(HexaParameter, Keys) {
   TLParameter parameter;
@@ -92,28 +68,27 @@ TEST(HexaParameterValue, WrongAccessIsTold) {
             "Error accessing parameter value! Column index -1 is out of range [0..1). \n");
 }
 
-TEST(HexaParameters, RoundTripOfARealSize) {
+TEST(HexaParameters, FindsTheFirstOfAName) {
   TLHexaParameters list;
-  ASSERT_EQ(readText(list, makeHexaDefinition(400)).result, 1);
-  EXPECT_EQ(list.parameters.size(), 400U);
-  EXPECT_EQ(list.find("setting399_"), list.parameters[399].get());
-  EXPECT_EQ(list.find("setting400_"), nullptr);
-  const std::string text = written(list);
-  EXPECT_EQ(rewritten<TLHexaParameters>(text), text);
-  TLHexaParameters bad;
-  const auto reading = readText(bad, "VERSION\n");
-  EXPECT_EQ(reading.result, 0);
-  EXPECT_EQ(reading.console,
+  readText(list,
+           "TL_BEGIN tlparameter\nNAME a_\nTL_END tlparameter\n"
+           "TL_BEGIN tlparameter\nNAME b_\nTL_END tlparameter\n"
+           "TL_BEGIN tlparameter\nNAME b_\nTL_END tlparameter\n");
+  ASSERT_EQ(list.parameters.size(), 3U);
+  EXPECT_EQ(list.find("b_"), list.parameters[1].get());
+  EXPECT_EQ(list.find("c_"), nullptr);
+  EXPECT_EQ(readText(list, "VERSION\n").console,
             " wrong HexaParameters header: cannot determine HexaParameters version\n");
 }
 
 TEST(HexaDefinitionDeathTest, FileByKind) {
+  const std::string setting = "TL_BEGIN tlparameter\nNAME a_\nTL_END tlparameter\n";
   const Definitions definitions;
-  definitions.write("lumbrake.def", makeHexaDefinition(3));
-  definitions.write("lumbrake_auto.def", makeHexaDefinition(5));
-  EXPECT_EQ(TLHexaParametersDataBase(0).parameters.size(), 3U);
-  EXPECT_EQ(TLHexaParametersDataBase(2).parameters.size(), 3U);
-  EXPECT_EQ(TLHexaParametersDataBase(1).parameters.size(), 5U);
+  definitions.write("lumbrake.def", setting);
+  definitions.write("lumbrake_auto.def", setting + setting);
+  EXPECT_EQ(TLHexaParametersDataBase(0).parameters.size(), 1U);
+  EXPECT_EQ(TLHexaParametersDataBase(2).parameters.size(), 1U);
+  EXPECT_EQ(TLHexaParametersDataBase(1).parameters.size(), 2U);
   const TVariable nowhere("VELSTRA_DIR", "/no/such");
   EXPECT_EXIT(
       {

@@ -6,7 +6,6 @@
 #include <thread>
 
 #include "parameters/TLParametersDataBase.h"
-#include "support/DefinitionGenerator.h"
 #include "support/Definitions.h"
 #include "support/RecordTexts.h"
 
@@ -78,20 +77,18 @@ TEST_F(SolverDefinition, KindsOfParameters) {
                     "TITLE,L,1,1,0\nsome text\n"
                     "ICGNS,I,1,1,0\n1\n"
                     "IQUANT,I,1,3,0\n7 8 9\n"
-                    "COOLFL,I,1,1,0\n2\n"),
-              ElementsAre("IROVAR,I,1,1,0", "COOLFL,I,1,1,0", "IQUANT,I,1,3,0", "ZED,I,1,2,0",
-                          "ALPHA,R,1,1,0"));
+                    "COOLFL,I,1,1,0\n2\n"
+                    // The second size of a named one replaces the first.
+                    "IWRSOL,I,1,1,0\n5\n"
+                    "IWRSOL,I,1,2,0\n6 7\n"),
+              ElementsAre("IWRSOL,I,1,2,0", "IROVAR,I,1,1,0", "COOLFL,I,1,1,0", "IQUANT,I,1,3,0",
+                          "ZED,I,1,2,0", "ALPHA,R,1,1,0"));
   EXPECT_THAT(base_.integers("ZED"), ElementsAre(1, 2));
   EXPECT_THAT(base_.reals("ALPHA"), ElementsAre(0.5));
   EXPECT_THAT(base_.integers("COOLFL,I,1,1,0"), ElementsAre(2));
+  EXPECT_THAT(base_.integers("IWRSOL"), ElementsAre(6, 7));
   EXPECT_FALSE(base_.has("CMIMEX"));
   EXPECT_FALSE(base_.has("TITLE"));
-}
-
-TEST_F(SolverDefinition, TwoSizesOfANamedParameter) {
-  EXPECT_THAT(names("IWRSOL,I,1,1,0\n5\n"), ElementsAre("IWRSOL,I,1,1,0"));
-  EXPECT_THAT(names("IWRSOL,I,1,2,0\n6 7\n"), ElementsAre("IWRSOL,I,1,2,0"));
-  EXPECT_THAT(base_.integers("IWRSOL"), ElementsAre(6, 7));
 }
 
 TEST_F(SolverDefinition, ObsoleteOnesAreKeptButNotWritten) {
@@ -102,18 +99,12 @@ TEST_F(SolverDefinition, ObsoleteOnesAreKeptButNotWritten) {
 }
 
 TEST_F(SolverDefinition, FixedSettings) {
+  const TVariable directory("VELSTRA_DIR", "/solver");
   read("NQUANT,I,1,2,0\n9 9\n");
   EXPECT_THAT(base_.integers("NQUANT"), ElementsAre(4, 1));
   read("ITURB,I,1,1,0\n2\n");
   EXPECT_THAT(base_.integers("NQUANT"), ElementsAre(5, 1));
-}
-
-TEST_F(SolverDefinition, NamesTheTablesOfTheFluid) {
-  const TVariable directory("VELSTRA_DIR", "/solver");
-  ASSERT_TRUE(read(""));
   EXPECT_EQ(base_.text("THEFIL"), "/solver/THERMO_VARSK");
-  TLTextSource noMarker("IROVAR,I,1,1,0\n1\n");
-  EXPECT_FALSE(base_.readDefinition(noMarker));
 }
 
 TEST_F(SolverDefinition, EndOfTheTextInTheMiddle) {
@@ -199,31 +190,6 @@ TEST_F(SolverBlock, TakesWhatTheDefinitionKnows) {
   EXPECT_THAT(base_->integers("BETA"), ElementsAre(1, 2, 3));
 }
 
-TEST_F(SolverBlock, WhatIsDroppedIsToldToAnObserver) {
-  struct Observer : TLReadObserver {
-    void passedOver(const TLTextSource& source, std::string_view line, std::string_view /*record*/,
-                    std::span<const std::string_view> words) override {
-      dropped.push_back(std::to_string(source.lineNumber(line)) + ' ' + std::string(line));
-      EXPECT_GT(words.size(), 200U);
-    }
-    void skippedBlock(const TLTextSource& /*source*/, std::string_view /*line*/,
-                      std::string_view /*record*/) override {}
-    void badLine(const TLTextSource& /*source*/, std::string_view /*line*/,
-                 std::string_view /*expected*/) override {}
-    std::vector<std::string> dropped;
-  } observer;
-  TLTextSource source(block({{"IROVAR,I,1,1,0", "1"},
-                             {"IROVAX,I,1,1,0", "1"},
-                             {"RHO,R,1,3,0", "1 2 3"},
-                             {"TITLE,L,1,1,0", "a b"},
-                             {"BETA,I,1,2,0", "1 2"}}));
-  source.setObserver(&observer);
-  TLParameters parameters;
-  EXPECT_EQ(parameters.read(source), 1);
-  EXPECT_THAT(observer.dropped,
-              ElementsAre("4 IROVAX,I,1,1,0", "6 RHO,R,1,3,0", "8 TITLE,L,1,1,0"));
-}
-
 TEST_F(SolverBlock, CountsThatLie) {
   TLParameters parameters;
   TLTextSource few("VELSTRA,L,1,0, 1\nIROVAR,I,1,1,0\n7\nISVEGL,I,1,1,0\n9\n");
@@ -254,22 +220,6 @@ TEST_F(SolverBlock, SingleValuesAreSet) {
   const std::string text = written(parameters);
   EXPECT_NE(text.find("QSAMPY,R,1,1,0\n1.5\n"), std::string::npos);
   EXPECT_NE(text.find("ALPHA,I,1,1,0\n6\n"), std::string::npos);
-}
-
-TEST_F(SolverBlock, OfTheSizeOfRealOnes) {
-  const std::string definition = makeSolverDefinition(800);
-  TLTextSource source(definition);
-  *base_ = TLParametersDataBase();
-  ASSERT_TRUE(base_->readDefinition(source));
-  TLParameters parameters;
-  parameters.init();
-  EXPECT_GT(parameters.items().size(), 950U);
-  const std::string text = written(parameters);
-  EXPECT_EQ(rewritten<TLParameters>(text), text);
-  for (std::size_t at = 0; at < text.size(); at += 97) {
-    TLParameters part;
-    EXPECT_EQ(readText(part, text.substr(0, at)).result, 1);
-  }
 }
 
 // Without the file ----------------------------------------------------------------------------

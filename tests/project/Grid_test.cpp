@@ -9,12 +9,6 @@ namespace {
 
 constexpr auto kStructured = TLProjectType::structured;
 
-std::string grid(const std::string& lines) {
-  TLGrid record(kStructured);
-  EXPECT_EQ(readText(record, lines).result, 1);
-  return written(record);
-}
-
 TEST(Grid, GeneratedMeshesRoundTrip) {
   RunFileOptions options;
   options.blocks = {3, 2, 2};
@@ -28,71 +22,16 @@ TEST(Grid, GeneratedMeshesRoundTrip) {
   }
 }
 
-TEST(Grid, CutAnywhereItReadsOrRefusesWithoutHarm) {
-  RunFileOptions options;
-  options.blocks = {2, 1, 1};
-  options.fullNonMatching = 1;
-  options.unstructured = true;
-  options.furtherParameters = 1;
-  const auto text = RunFileGenerator(options).grid();
-  for (std::size_t end = text.find('\n'); end != std::string::npos;
-       end = text.find('\n', end + 1)) {
-    TLGrid record(TLProjectType::hexa);
-    const auto reading = readText(record, text.substr(0, end + 1));
-    EXPECT_EQ(reading.result, 1) << text.substr(0, end + 1).substr(end > 60 ? end - 60 : 0);
-    EXPECT_EQ(reading.console, "");
-  }
-}
-
-TEST(Grid, NewRecordAndKeys) {
-  EXPECT_EQ(grid("ZyvGridVersion 61\nshowKM5message 1\nGRIDUNIT 0.001\nnumber_of_grid_level_j 4\n"),
-            "      VERSION                        1.0\n"
-            "      GRIDUNIT                       0.001\n"
-            "      NUMBER_OF_GRID_LEVEL_I         1\n"
-            "      NUMBER_OF_GRID_LEVEL_J         4\n"
-            "      NUMBER_OF_GRID_LEVEL_K         1\n"
-            "      ZYVGRIDVERSION                 61\n"
-            "      SHOWKM5MESSAGE                 1\n");
-}
-
-TEST(Grid, ChildrenInTheirOrder) {
-  const std::string head = grid("");
-  TLBlock block(kStructured);
-  const std::string blade =
-      "      TL_BEGIN blade_definition\n"
-      "        VERSION                      1.0\n"
-      "        NAME                         b\n"
-      "        GROUP_NAME                   g\n"
-      "      TL_END   blade_definition\n";
-  const std::string connection = "      TL_BEGIN fnmb_connection\n" + written(TLFNMB(kStructured)) +
-                                 "      TL_END   fnmb_connection\n";
-  const std::string turbo =
-      "      TL_BEGIN initial_solution_turbo\n  VERSION 1.0\n kept\n"
-      "      TL_END   initial_solution_turbo\n";
-  std::ostringstream console;
-  TLConsoleRedirect redirect(console);
-  const std::string mesh = "      TL_BEGIN block\n" + written(block) + "      TL_END   block\n";
-  // Patches of the three lists go under one key.
-  const std::string patches =
-      "        MERIDIONNAL_PATCH            1 2 3 4 5 6 7\n"
-      "        MERIDIONNAL_PATCH            2 2 3 4 5 6 7\n"
-      "        MERIDIONNAL_PATCH            3 2 3 4 5 6 7\n";
-  EXPECT_EQ(grid("meridionnal_patchss 3 2 3 4 5 6 7\nmeridionnal_patch 1 2 3 4 5 6 7 8\n"
-                 "meridionnal_patchps 2 2 3 4 5 6 7\n" +
-                 blade + connection + turbo + "TL_BEGIN other\nGRIDUNIT 3\nTL_END other\n" + mesh),
-            head + mesh + turbo + connection + blade + patches);
-}
-
-TEST(Grid, ControlSurfaces) {
-  TLGrid record(kStructured);
-  ASSERT_EQ(readText(record,
-                     "TL_BEGIN control_surface\nVERSION 3.0\nTYPE SOLID\nTL_END control_surface\n")
-                .result,
-            1);
-  ASSERT_EQ(record.controlSurfaces.size(), 1U);
-  const auto text = written(record);
-  EXPECT_NE(text.find("      TL_BEGIN control_surface\n"), std::string::npos);
-  EXPECT_EQ(rewritten<TLGrid>(text, kStructured), text);
+// The patches of three lists go under one key, each behind those of the list before.
+TEST(Grid, MeridionalPatches) {
+  const auto text = rewritten<TLGrid>(
+      "meridionnal_patchss 3 2 3 4 5 6 7\nmeridionnal_patch 1 2 3 4 5 6 7 8\n"
+      "meridionnal_patchps 2 2 3 4 5 6 7\n",
+      kStructured);
+  EXPECT_EQ(text.substr(text.find("        MERIDI")),
+            "        MERIDIONNAL_PATCH            1 2 3 4 5 6 7\n"
+            "        MERIDIONNAL_PATCH            2 2 3 4 5 6 7\n"
+            "        MERIDIONNAL_PATCH            3 2 3 4 5 6 7\n");
 }
 
 TEST(Grid, PlacesCountFromOne) {
@@ -150,30 +89,6 @@ TEST(Grid, LinksConditionsToTheComputationsRecords) {
   ASSERT_EQ(list.size(), 3U);
   EXPECT_EQ(list[2]->typeId, 7);
   EXPECT_EQ(conditions[3]->bcParametersIndex, 2);
-}
-
-TEST(Grid, AFaultBelowEndsTheRead) {
-  const struct {
-    const char* text;
-    const char* console;
-  } cases[] = {
-      {"version\n", " wrong grid header: cannot determine grid version\n"},
-      {"meridionnal_patchss 1 2 3 4 5 6\n",
-       " wrong TLMeridionnalPatch indices: cannot determine bc indices\n"},
-      {"gridunit\n", "  wrong format for36: gridunit\n"},
-      {"tl_begin block\ntl_begin face\ntl_begin boundary_condition\nindices\n",
-       " wrong bc indices: cannot determine bc indices\n"},
-      {"tl_begin fnmb_connection\nleft_face: x\n", "wrong TLFNMBPatches format\n"},
-      {"tl_begin initial_solution_turbo\nversion\n",
-       " wrong TLInitSolTurbo entry header: cannot determine TLInitSolTurbo entry version\n"},
-  };
-  for (const auto& bad : cases) {
-    TLGrid record(kStructured);
-    const auto reading = readText(record, bad.text);
-    EXPECT_EQ(reading.result, 0) << bad.text;
-    EXPECT_EQ(reading.console, bad.console);
-    EXPECT_TRUE(record.blocks.empty() && record.connections.empty());
-  }
 }
 
 }  // namespace

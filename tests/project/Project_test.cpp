@@ -72,10 +72,6 @@ TEST_F(Project, KeysOfTheProjectItself) {
             "LAST_USED_COMPUTATION_INDEX    0\n");
 }
 
-TEST_F(Project, UnknownTypeLeavesStructured) {
-  EXPECT_EQ(ReadProject("TALVEN_PROJECT_FILE VERSION 1210\nPROJECT_TYPE hexa\n")->projectType(), 0);
-}
-
 TEST_F(Project, OlderVersionsSetThePrecisionAndTheLastUsedMark) {
   const struct {
     const char* version;
@@ -138,14 +134,6 @@ TEST_F(Project, ComputationsAreWrittenWithTheirManagersAndBanners) {
   EXPECT_NE(second, std::string::npos);
   EXPECT_LT(first, second);
   EXPECT_NE(text.find("COMPUTATION_NAME one\n"), std::string::npos);
-}
-
-TEST_F(Project, AFailedChildFailsTheProject) {
-  const ReadProject read(projectText("VERSION\n"));
-  EXPECT_EQ(read.result, 0);
-  EXPECT_EQ(read.console, " wrong computation header: cannot determine computation version\n");
-  EXPECT_EQ(read->computations.size(), 0U);
-  EXPECT_EQ(read->isRead, 0);
 }
 
 TEST_F(Project, AMovedDirectoryIsFoundByItsRelativePaths) {
