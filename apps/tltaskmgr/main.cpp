@@ -12,6 +12,7 @@
 #include "launching/TLLaunching.h"
 #include "messaging/TLMessageCodes.h"
 #include "messaging/TLProcessMessage.h"
+#include "messaging/TLVirtualMachine.h"
 #include "parameters/TLFile.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
@@ -77,6 +78,7 @@ void startTask(const TLProcessArguments& arguments) {
   readTask(arguments);
   loadSteering(*gCurrentTask);
   gCatchoutFile = openCatchout();
+  TL_virtual_machine_watch_ends();
   gCurrentTask->start();
   const char* directory = std::getenv("TL_PVM_USER_DIR");
   runRecorder().begin(*gCurrentTask, directory == nullptr ? "" : directory);

@@ -30,7 +30,8 @@ class Submission {
     step_.loadBalancing.remoteLogin = step_.remoteLogin;
     if (!createQueuingSystemScript(step_.loadBalancing, filled, step_.executable,
                                    firstValue(step_.spawnArguments), precision, script_)) {
-      step_.endReason = "the job script " + script_ + " could not be filled";
+      step_.noteEnd(TLStepEnd::Kind::neverStarted,
+                    "the job script " + script_ + " could not be filled");
       return TLJobQueue::kNothingToSubmit;
     }
     if (isCarried() && !carry()) return TLJobQueue::kCopyFailed;
@@ -113,7 +114,10 @@ RWCString submitCommand(std::int32_t kind, const RWCString& path) {
 
 int TLQueuingSystem::submit(TLSubTask& step, const RWCString& precision, std::int32_t& job) {
   const TLQueuingKind* kind = queuingKind(step.loadBalancing.queuingSystemActivated);
-  if (kind == nullptr) return kNothingToSubmit;
+  if (kind == nullptr) {
+    step.noteEnd(TLStepEnd::Kind::neverStarted, "no queuing system has this number");
+    return kNothingToSubmit;
+  }
   return Submission(step, *kind).run(precision, job);
 }
 

@@ -100,9 +100,10 @@ class MarineLaunch {
     return 0;
   }
 
-  void followLog() const {
+  void followLog() {
     const RWCString log = marineLogFile(draft_, place_, site_.separator);
     if (log.empty()) return;
+    step_.logFile = log;
     for (const RWCString& line :
          {RWCString("after 3000"), RWCString("update"), "task_manager_init_tail " + tailWord(log),
           RWCString("update"), RWCString("task_manager_update_tail"), RWCString("update")}) {

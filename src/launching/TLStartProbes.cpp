@@ -38,6 +38,7 @@ int TLLaunching::startProbesTool(TLSubTask& step) {
   }
   step.status = TLSubTask::Running;
   step.addChild(child);
+  step.logFile = log;
   evaluateAll({messageLine("\"Connect to the log\""), "after 1000",
                "task_manager_init_tail \"" + scriptQuoted(log) + "\"", "update",
                "task_manager_update_tail", "update"});

@@ -1,6 +1,7 @@
 #include "messaging/TLVirtualMachine.h"
 
 #include <pvm3.h>
+#include <pvmtev.h>
 
 #include <algorithm>
 #include <iterator>
@@ -11,7 +12,9 @@
 #include "session/TLScript.h"
 #include "taskengine/TLProcessArguments.h"
 
-static_assert(kVirtualMachineOk == PvmOk && kVirtualMachineNoTask == PvmNoTask);
+static_assert(kVirtualMachineOk == PvmOk && kVirtualMachineNoTask == PvmNoTask &&
+              kVirtualMachineNoAnswer == PvmSysErr && kVirtualMachineNoHost == PvmNoHost &&
+              kVirtualMachineNoFile == PvmNoFile);
 
 namespace {
 
@@ -84,6 +87,48 @@ RWCString spawnErrorText(int answer, int taskCode, const RWCString& host,
   return error->text;
 }
 
+/// Tag of the trace messages, far from those of the tools.
+constexpr int kTraceTag = 0x544c0000;
+bool gWatchesEnds = false;
+
+/// The integers of the active receive buffer. Texts among them come in whole words, too.
+std::vector<int> receivedIntegers() {
+  std::vector<int> values(static_cast<std::size_t>(TL_virtual_machine_message_size()) /
+                          sizeof(int));
+  std::size_t count = 0;
+  while (count < values.size() && pvm_upkint(&values[count], 1, 1) >= 0) ++count;
+  values.resize(count);
+  return values;
+}
+
+/// Reads an end of a task out of a trace message; false for any other. The first of its kind
+/// describes its fields, each with the field's number and type in front: (mark, event, length and
+/// words of the name, then number, type, value ...). The later ones are the bare values: (mark,
+/// event, seconds, microseconds, tid, status ...).
+bool readTracedEnd(std::int32_t& tid, std::int32_t& waitStatus) {
+  const std::vector<int> values = receivedIntegers();
+  if (values.size() < 3 || values[1] != TEV_ENDTASK) return false;
+  if (values[0] == TEV_MARK_EVENT_RECORD && values.size() > 5) {
+    tid = values[4];
+    waitStatus = values[5];
+    return true;
+  }
+  if (values[0] != TEV_MARK_EVENT_DESC || values[2] < 0) return false;
+  bool hasTid = false;
+  bool hasStatus = false;
+  const std::size_t name = (static_cast<std::size_t>(values[2]) + sizeof(int) - 1) / sizeof(int);
+  for (std::size_t i = 3 + name; i + 2 < values.size(); i += 3) {
+    if (values[i] == TEV_DID_TID) {
+      tid = values[i + 2];
+      hasTid = true;
+    } else if (values[i] == TEV_DID_TST) {
+      waitStatus = values[i + 2];
+      hasStatus = true;
+    }
+  }
+  return hasTid && hasStatus;
+}
+
 int refuseText(int code) {
   console() << "TL_virtual_machine_unpack_message_buffer error: " << code << '\n';
   return 0;
@@ -138,6 +183,22 @@ std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& ex
 
 const RWCString& TL_virtual_machine_last_spawn() {
   return gLastSpawn;
+}
+
+void TL_virtual_machine_watch_ends() {
+  if (!gAllowed || pvm_mytid() < 0) return;
+  pvm_setopt(PvmTraceTid, pvm_mytid());
+  pvm_setopt(PvmTraceCode, kTraceTag);
+  pvm_setopt(PvmTraceBuffer, 0);
+  pvm_setopt(PvmTraceOptions, PvmTraceFull);
+  gWatchesEnds = true;
+}
+
+bool TL_virtual_machine_next_end(std::int32_t& tid, std::int32_t& waitStatus) {
+  while (gWatchesEnds && !gLost && pvm_nrecv(-1, kTraceTag) > 0) {
+    if (readTracedEnd(tid, waitStatus)) return true;
+  }
+  return false;
 }
 
 std::int32_t TL_virtual_machine_status(std::int32_t tid) {

@@ -28,6 +28,13 @@ struct TLVirtualMachineHost {
 /// @{
 constexpr std::int32_t kVirtualMachineOk = 0;
 constexpr std::int32_t kVirtualMachineNoTask = -31;
+constexpr std::int32_t kVirtualMachineNoAnswer = -14;  ///< no virtual machine answers
+/// @}
+
+/// @name Answers of TL_virtual_machine_spawn that have a meaning of their own.
+/// @{
+constexpr std::int32_t kVirtualMachineNoHost = -6;
+constexpr std::int32_t kVirtualMachineNoFile = -7;
 /// @}
 
 /// Whether this process may touch the virtual machine at all; true at first. While it is false the
@@ -47,6 +54,13 @@ std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& ex
 
 /// The text of the last spawn: "ok", or why it failed.
 const RWCString& TL_virtual_machine_last_spawn();
+
+/// Has the virtual machine tell how each task ends that this process starts from now on. It does so
+/// by a trace with no events asked of the tasks themselves, which notice nothing.
+void TL_virtual_machine_watch_ends();
+/// Takes the next end that was told: the task's `tid` and its status as the wait of a UNIX system
+/// answers it. False when there is none.
+bool TL_virtual_machine_next_end(std::int32_t& tid, std::int32_t& waitStatus);
 
 /// The words that `arguments` stand for on a command line, in order: type and value, the value
 /// "none" yielding only the type, the type "none" only the value, the value "undefined" nothing.
@@ -94,5 +108,7 @@ int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t lengt
 /// Name of this host in the virtual machine; the machine's own name, cut at the first ".", when
 /// there is none.
 RWCString ownHostName();
+/// True when the virtual machine's table holds `hostName`.
+bool hostIsKnown(const RWCString& hostName);
 /// 1 when the virtual machine's table says "WIN32" for `hostName` or doesn't know it, else 0.
 std::int32_t hostIsWin32(const RWCString& hostName);

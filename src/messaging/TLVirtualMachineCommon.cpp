@@ -1,6 +1,7 @@
 // What stands on top of the virtual machine's operations without calling PVM itself; goes with
 // either form of the layer, the real one and the recording one.
 #include <algorithm>
+#include <optional>
 
 #include "messaging/TLVirtualMachine.h"
 #include "taskengine/TLProcessArguments.h"
@@ -17,12 +18,26 @@ std::vector<RWCString> commandWords(const TLProcessArguments& arguments) {
   return words;
 }
 
-std::int32_t hostIsWin32(const RWCString& hostName) {
+namespace {
+
+std::optional<TLVirtualMachineHost> hostNamed(const RWCString& name) {
   std::int32_t hostCount = 0;
   std::int32_t archCount = 0;
   std::vector<TLVirtualMachineHost> hosts;
-  if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return 1;
+  if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return std::nullopt;
   const auto host = std::find_if(hosts.begin(), hosts.end(),
-                                 [&](const TLVirtualMachineHost& h) { return h.name == hostName; });
-  return host == hosts.end() || host->arch == "WIN32" ? 1 : 0;
+                                 [&](const TLVirtualMachineHost& h) { return h.name == name; });
+  if (host == hosts.end()) return std::nullopt;
+  return *host;
+}
+
+}  // namespace
+
+bool hostIsKnown(const RWCString& hostName) {
+  return hostNamed(hostName).has_value();
+}
+
+std::int32_t hostIsWin32(const RWCString& hostName) {
+  const auto host = hostNamed(hostName);
+  return !host || host->arch == "WIN32" ? 1 : 0;
 }

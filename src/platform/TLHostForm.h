@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -126,6 +127,9 @@ class TLHostForm {
   /// The runtime's pseudo-random number, 0 to 32767 in both forms.
   virtual int randomNumber() = 0;
   virtual int processId() const = 0;
+  /// How many processes of this machine the system has ended for want of memory since it was
+  /// started; 0 where it doesn't tell.
+  virtual std::int64_t memoryKills() const = 0;
   /// @}
 };
 

@@ -9,6 +9,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <fstream>
 
 #include "platform/TLCommandRun.h"
 #include "platform/TLFileDescriptor.h"
@@ -167,6 +168,15 @@ std::string TLUnixHost::hostName() const {
 
 int TLUnixHost::randomNumber() {
   return std::uniform_int_distribution<int>(0, kLargestRandom)(generator_);
+}
+
+std::int64_t TLUnixHost::memoryKills() const {
+  std::ifstream counters("/proc/vmstat");
+  std::string name;
+  for (std::int64_t count = 0; counters >> name >> count;) {
+    if (name == "oom_kill") return count;
+  }
+  return 0;
 }
 
 int TLUnixHost::processId() const {

@@ -28,6 +28,7 @@ class TLUnixHost : public TLHostForm {
   std::string hostName() const override;
   int randomNumber() override;
   int processId() const override;
+  std::int64_t memoryKills() const override;
 
  protected:
   /// Path of the running program as the system tells it, empty when unknown.

@@ -143,7 +143,9 @@ void askToStop(const TLSubTask& step) {
 void killMarineTask(TLTask& task, ArgStream& /*arguments*/, ResultStream& /*result*/) {
   for (const auto& step : task.subTasks) {
     if (step->status == TLSubTask::Running) askToStop(*step);
+    step->noteStop(true);
     step->status = TLSubTask::Stopped;
+    step->explainEnd();
   }
   runRecorder().update(task);
 }

@@ -7,6 +7,7 @@
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
+#include "platform/TLHostForm.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLTask.h"
 #include "taskengine/TLTaskGlobals.h"
@@ -49,7 +50,7 @@ void TLSubTask::assign(const TLSubTask& other) {
   startAfterTask.clear();
   endingDate = -1;
   status = Pending;
-  endReason.clear();
+  forgetEnd();
   arguments.assign(other.arguments);
   perfCurveName = "unknown";
   name = other.name;
@@ -81,12 +82,21 @@ bool TLSubTask::argumentsDefined() {
 }
 
 int TLSubTask::start() {
-  endReason.clear();
+  forgetEnd();
   if (enabled == 0) {
     status = FinishedOk;
-    endReason = "skipped: the step is disabled";
+    noteEnd(disabledBehind.empty() ? TLStepEnd::Kind::disabled : TLStepEnd::Kind::behindFailure,
+            disabledBehind);
     return 0;
   }
+  hostWasKnown_ = hostIsKnown(hostName);
+  memoryKillsBefore_ = hostForm().memoryKills();
+  const int result = launch();
+  if (result == 0 && status == FinishedOk) noteEnd(TLStepEnd::Kind::needless);
+  return result;
+}
+
+int TLSubTask::launch() {
   if (isMarineStep(name)) return launcher().startMarineStep(*this);
   if (name == "PROBES2QVK") return launcher().startProbesTool(*this);
   return launcher().startStep(*this);

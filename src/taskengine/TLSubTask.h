@@ -9,6 +9,7 @@
 #include "messaging/TLProcessMessage.h"
 #include "messaging/TLSteeringParameters.h"
 #include "taskengine/TLProcessArguments.h"
+#include "taskengine/TLStepEnd.h"
 #include "textio/Handle.h"
 #include "textio/RWCString.h"
 #include "textio/RefCounted.h"
@@ -176,14 +177,32 @@ class TLSubTask : public RefCounted {
   RWCString perfCurveName = "unknown";
   /// @}
 
-  /// Why the step ended, in words for people; empty as long as it hasn't. Not part of the record's
-  /// file.
+  /// @name Why the step ended; not part of the record's file.
+  /// @{
+  /// Notes what ended the step. What is noted later counts, up to explainEnd.
+  void noteEnd(TLStepEnd::Kind kind, const RWCString& detail = {});
+  /// Notes that it is being stopped: on the order of an interface, or of the user at the window.
+  /// To be called while `status` is still the former one.
+  void noteStop(bool inWindow);
+  /// Notes how one of its processes ended, which may be heard before or after the end itself.
+  void noteProcessEnd(std::int32_t waitStatus);
+  /// Puts what is known about the end into words. Does nothing while the step hasn't ended, or
+  /// when nothing was noted since.
+  void explainEnd();
+  /// Why it ended, one sentence for people; empty as long as it hasn't, and when all is well.
   RWCString endReason;
+  /// Name and place of the step that failed, for one that was disabled for that.
+  RWCString disabledBehind;
+  /// Where the tool writes what it does; empty: only into the collected output.
+  RWCString logFile;
+  /// @}
   /// The queuing system's own word for the state of the job, as last seen ("qw", "RUN"); empty
   /// when none was seen. Not part of the record's file.
   RWCString queueState;
 
  private:
+  int launch();
+  void forgetEnd();
   bool isJobRunning();
   /// What the status file says: runs, or has ended; none when the process has to be asked.
   std::optional<bool> askStatusFile();
@@ -197,4 +216,8 @@ class TLSubTask : public RefCounted {
 
   Handle<TLTask> parentTask_;
   RWCString queueAnswer_;  ///< what the queuing system said last
+  TLStepEnd end_;
+  bool endExplained_ = false;
+  bool hostWasKnown_ = false;           ///< by the virtual machine, at the start
+  std::int64_t memoryKillsBefore_ = 0;  ///< of the kernel, at the start
 };

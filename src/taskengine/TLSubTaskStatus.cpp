@@ -46,7 +46,8 @@ bool TLSubTask::isJobRunning() {
       break;
     case TLJobState::finished:
       status = FinishedOk;
-      endReason = "the queuing system says of its job: " + answer.said;
+      noteEnd(answer.word == "EXIT" ? TLStepEnd::Kind::jobFailed : TLStepEnd::Kind::leftQueue,
+              answer.said);
       break;
     case TLJobState::unknown:
       break;
@@ -63,6 +64,7 @@ std::optional<bool> TLSubTask::askStatusFile() {
 std::optional<bool> TLSubTask::askMarineStatus() {
   if (name == "CHECKSTATUS") {
     status = FinishedOk;
+    noteEnd(TLStepEnd::Kind::allWell);
     return false;
   }
   const auto entry = marineStatusOf(*this);
@@ -74,7 +76,8 @@ std::optional<bool> TLSubTask::askMarineStatus() {
   }
   if (word == "pending" || !isFresh(*entry) || word == "mismatch") return std::nullopt;
   status = word == "finished" ? FinishedOk : FinishedKo;
-  if (status == FinishedKo) endReason = "its status file says \"" + word + "\"";
+  noteEnd(status == FinishedOk ? TLStepEnd::Kind::allWell : TLStepEnd::Kind::statusFile,
+          "its status file, beside " + entry->path + ", says \"" + word + "\"");
   return false;
 }
 
@@ -84,8 +87,9 @@ std::optional<bool> TLSubTask::askProbesStatus() {
   const RWCString word = readStatusEntry("probes2sorvit", "STATUS", log, true);
   if (word == "running") return true;
   status = word == "finished" ? FinishedOk : FinishedKo;
-  if (status == FinishedOk) return false;
-  return std::nullopt;
+  if (status != FinishedOk) return std::nullopt;
+  noteEnd(TLStepEnd::Kind::allWell);
+  return false;
 }
 
 bool TLSubTask::isProcessAlive(std::int32_t tid) {
@@ -99,7 +103,9 @@ bool TLSubTask::isProcessAlive(std::int32_t tid) {
     status = FinishedOk;
   } else {
     status = FinishedKo;
-    endReason = "the virtual machine lost sight of its process";
+    const bool noMachine = answer == kVirtualMachineNoAnswer;
+    noteEnd(noMachine ? TLStepEnd::Kind::machineLost : TLStepEnd::Kind::lostSight,
+            "code " + std::to_string(answer));
   }
   return false;
 }

@@ -22,18 +22,13 @@ const char* queueWord(std::int32_t kind) {
   return kind >= 1 && kind <= 3 ? kWords[kind] : kWords[0];
 }
 
+bool contains(const std::vector<std::int32_t>& tids, std::int32_t tid) {
+  return std::find(tids.begin(), tids.end(), tid) != tids.end();
+}
+
 /// True for a step that is gone although nobody has seen its orderly end.
 bool endedUnseen(const TLSubTask& step) {
   return step.status != TLSubTask::Running && step.finishMessage.tag == TLSubTask::kNoEndSeen;
-}
-
-RWCString joinedErrors(const TLProcessMessage& errors) {
-  RWCString all;
-  for (const auto& item : errors.subMessages) {
-    const RWCString* text = textOf(*item);
-    if (text != nullptr) all += (all.empty() ? "" : "; ") + *text;
-  }
-  return all;
 }
 
 }  // namespace
@@ -67,6 +62,7 @@ void TLTaskChildren::superviseOnce() {
   }
   readMessages();
   watchVirtualMachine();
+  explainEnds();
 }
 
 void TLTaskChildren::watchVirtualMachine() {
@@ -77,6 +73,15 @@ void TLTaskChildren::watchVirtualMachine() {
     reportPhrase(text);
   }
   reachable_ = reachable;
+}
+
+void TLTaskChildren::explainEnds() {
+  for (std::int32_t tid = 0, waitStatus = 0; TL_virtual_machine_next_end(tid, waitStatus);) {
+    for (const auto& step : subTasks) {
+      if (!step->isQueued() && contains(step->children, tid)) step->noteProcessEnd(waitStatus);
+    }
+  }
+  for (const auto& step : subTasks) step->explainEnd();
 }
 
 bool TLTaskChildren::isEndedMarineTask() const {
@@ -167,9 +172,6 @@ void TLTaskChildren::reportCrash(TLSubTask& step, std::int32_t position, const R
     if (const RWCString* text = textOf(*item)) report.addString(*text);
   }
   report.addInteger(position);
-  const RWCString errors = joinedErrors(step.errorLines);
-  step.endReason = "its process is gone and never said that it was done" +
-                   (errors.empty() ? RWCString() : "; it had reported: " + errors);
   sendToParents(report);
 }
 

@@ -32,6 +32,8 @@ class TLTaskChildren : public TLTask {
   /// Says once that the virtual machine is gone, which the calls to it don't tell apart from
   /// silence. A process that never joined one isn't told.
   void watchVirtualMachine();
+  /// Hears how processes ended and puts into words why steps did.
+  void explainEnds();
 
   /// The end of a step that ran when the cycle's walk came to it.
   void checkEndedInCycle(TLSubTask& step, std::int32_t position);

@@ -84,13 +84,13 @@ void TLTaskChildren::stop(TLProcessMessage& message) {
     sendEmpty(message.source, TL_MSG_STOP);
   } else if (TLSubTask* step = subTask(*position)) {
     reportWord("SUBTASK_" + std::to_string(*position) + "_MUST_BE_STOPPED");
+    step->noteStop(false);
     if (step->isQueued()) {
       launcher().stopSubTask(*step);
     } else {
       killChildren(*step);
     }
     step->status = Stopped;
-    step->endReason = "stopped on request";
   }
 }
 
@@ -101,11 +101,11 @@ void TLTaskChildren::stopWholeTask() {
   }
   reportWord("TASK_MUST_BE_STOPPED_" + std::to_string(kWholeTask));
   for (const auto& step : subTasks) {
+    step->noteStop(false);
     if (!step->isQueued()) killChildren(*step);
     launcher().stopSubTask(*step);
     step->finishMessage.tag = kEndRequested;
     step->status = Stopped;
-    step->endReason = "stopped on request";
   }
 }
 

@@ -12,10 +12,27 @@ namespace {
 constexpr std::int32_t kWaits = 1;
 constexpr std::int32_t kRunsBeside = 0;
 
-void tellFailedStart(TLSubTask& step, int result) {
-  step.endReason = result == TLSubTask::kCopyFailed
-                       ? "its files could not be copied to host " + step.hostName
-                       : "it could not be started on host " + step.hostName;
+/// Why a launch answered `result`.
+RWCString failedStartText(int result) {
+  switch (result) {
+    case kVirtualMachineNoHost:
+      return "the virtual machine has no such host";
+    case kVirtualMachineNoFile:
+      return TL_virtual_machine_last_spawn() + " in its directories for programs";
+    default:
+      break;
+  }
+  const bool told = TL_virtual_machine_last_spawn() != "ok";
+  return told ? TL_virtual_machine_last_spawn()
+              : "its launch failed with code " + std::to_string(result);
+}
+
+void noteFailedStart(TLSubTask& step, int result) {
+  if (result == TLSubTask::kCopyFailed) {
+    step.noteEnd(TLStepEnd::Kind::copyFailed, step.remoteTmpDir);
+  } else if (!step.isQueued()) {
+    step.noteEnd(TLStepEnd::Kind::neverStarted, failedStartText(result));
+  }
 }
 
 }  // namespace
@@ -63,7 +80,7 @@ void TLTask::launchBeside(TLSubTask& step, std::int32_t position) {
     return;
   }
   step.status = FinishedKo;
-  tellFailedStart(step, result);
+  noteFailedStart(step, result);
   launcher().removeRemoteDir(step);
   if (result == kCopyFailed) reportFailedCopy(step, position);
 }
@@ -75,7 +92,7 @@ void TLTask::launchFirst(TLSubTask& step) {
     return;
   }
   step.status = FinishedKo;
-  tellFailedStart(step, result);
+  noteFailedStart(step, result);
   reportWord("Cleaning_REMOTE_TMP_directory");
   launcher().removeRemoteDir(step);
   if (result == kCopyFailed) reportFailedCopy(step, 0);
@@ -89,7 +106,7 @@ void TLTask::launchWaiting(TLSubTask& step, std::int32_t position) {
   }
   launcher().removeRemoteDir(step);
   step.status = FinishedKo;
-  tellFailedStart(step, result);
+  noteFailedStart(step, result);
   if (result == kCopyFailed) reportFailedCopy(step, position);
 }
 
@@ -111,6 +128,11 @@ void TLTask::disableBehindFailures(std::int32_t position) {
 
 bool TLTask::disableBehindFailure(TLSubTask& step, std::int32_t position) {
   if (step.enabled == 0 || !isMarineStep(step.name) || !stepFailed(step)) return false;
+  const RWCString failed = "step " + std::to_string(position + 1) + ", " + step.name + ",";
+  for (std::int32_t i = position + 1; i < subTaskCount(); ++i) {
+    TLSubTask& behind = *subTasks[static_cast<std::size_t>(i)];
+    if (behind.enabled != 0) behind.disabledBehind = failed;
+  }
   disableFrom(position);
   return true;
 }
@@ -148,8 +170,9 @@ RWCString TLTask::stopTask() {
     }
     step->finishMessage.tag = kEndRequested;
     launcher().retrieveResults(*step);
+    step->noteStop(true);
     step->status = Stopped;
-    step->endReason = "stopped from the task's window";
+    step->explainEnd();
   }
   return "yes";
 }

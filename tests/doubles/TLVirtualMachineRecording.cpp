@@ -1,6 +1,7 @@
 #include "doubles/TLVirtualMachineRecording.h"
 
 #include <algorithm>
+#include <tuple>
 
 #include "session/TLScript.h"
 #include "taskengine/TLProcessArguments.h"
@@ -85,6 +86,15 @@ std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& ex
 
 const RWCString& TL_virtual_machine_last_spawn() {
   return gLastSpawn;
+}
+
+void TL_virtual_machine_watch_ends() {}
+
+bool TL_virtual_machine_next_end(std::int32_t& tid, std::int32_t& waitStatus) {
+  if (vm().ends.empty()) return false;
+  std::tie(tid, waitStatus) = vm().ends.front();
+  vm().ends.pop_front();
+  return true;
 }
 
 std::int32_t TL_virtual_machine_status(std::int32_t tid) {

@@ -57,6 +57,7 @@ struct TLVirtualMachineRecording {
   std::int32_t parent = 0;
   std::int32_t mytid = 0x40000;
   RWCString ownHost = "localhost";
+  std::deque<std::pair<std::int32_t, std::int32_t>> ends;  ///< told ends: tid, status of the wait
   bool sendBufferFails = false;
   bool lost = false;
   std::map<std::int32_t, bool> sendFails;  ///< by tid
