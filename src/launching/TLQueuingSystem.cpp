@@ -34,6 +34,7 @@ class Submission {
                     "the job script " + script_ + " could not be filled");
       return TLJobQueue::kNothingToSubmit;
     }
+    step_.logFile = withRunReplaced(firstValue(step_.spawnArguments), ".std");
     if (isCarried() && !carry()) return TLJobQueue::kCopyFailed;
     const RWCString path = jobScriptPath(number(), firstValue(step_.spawnArguments));
     remoteExec(step_.hostName, submitCommand(number(), path), step_.remoteLogin, {});
