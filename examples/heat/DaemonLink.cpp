@@ -134,7 +134,7 @@ std::string besideRunFile(const std::string& runFile, const std::string& extensi
 
 std::string runFileArgument(int argc, char** argv) {
   for (int i = 1; i < argc; ++i) {
-    const std::string word = argv[i];
+    std::string word = argv[i];
     if (word.size() > 4 && word.compare(word.size() - 4, 4, ".run") == 0) return word;
   }
   return {};

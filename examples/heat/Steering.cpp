@@ -40,7 +40,8 @@ class Contents {
     integer();
     std::string bytes(static_cast<std::size_t>(size_) + 1, '\0');
     good_ = good_ && pvm_upkstr(bytes.data()) >= 0;
-    return good_ ? std::string(bytes.c_str()) : std::string();
+    bytes.resize(good_ ? bytes.find('\0') : 0);
+    return bytes;
   }
 
  private:
