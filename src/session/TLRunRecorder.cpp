@@ -1,13 +1,19 @@
 #include "session/TLRunRecorder.h"
 
+#include <algorithm>
 #include <chrono>
+#include <cstdlib>
 
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
+#include "taskengine/TLMessageItems.h"
 #include "taskengine/TLTask.h"
 #include "taskengine/TLTaskGlobals.h"
 
 namespace {
+
+constexpr auto kProgressInterval = std::chrono::seconds(1);
+constexpr auto kRecordInterval = std::chrono::seconds(5);
 
 double secondsNow() {
   using std::chrono::duration;
@@ -19,6 +25,52 @@ double secondsNow() {
 bool differs(const TLRunStateStep& entry, const TLSubTask& step) {
   return entry.status != step.status || entry.children != step.children ||
          entry.reason != step.endReason || entry.queueState != step.queueState;
+}
+
+std::vector<std::string> textsOf(const TLProcessMessage& message) {
+  std::vector<std::string> texts;
+  for (const auto& part : message.subMessages) {
+    if (const RWCString* text = textOf(*part)) texts.push_back(*text);
+  }
+  return texts;
+}
+
+TLKeptStep keptStep(const TLSubTask& step) {
+  TLKeptStep kept;
+  const TLLoadBalancing& balance = step.loadBalancing;
+  if (step.status != TLSubTask::Pending && step.spawnArguments.count() > 0) {
+    kept.command.push_back(step.executable);
+    for (const auto& argument : step.spawnArguments.entries()) {
+      if (argument->type() != "none") kept.command.push_back(argument->type());
+      kept.command.push_back(argument->value());
+    }
+  }
+  kept.crashLines = textsOf(step.errorLines);
+  kept.endTexts = textsOf(step.finishMessage);
+  kept.residuals = step.residuals.series();
+  if (balance.parallel == 0) return kept;
+  kept.processHosts = balance.processNames;
+  kept.blockProcess = balance.blockProcess;
+  for (std::size_t i = 0; i < kept.blockProcess.size(); ++i) {
+    kept.blockCells.push_back(balance.nbCells(static_cast<std::int32_t>(i)));
+  }
+  return kept;
+}
+
+/// How many iterations a solver was asked for, as far as it can be known: its argument
+/// "-iterations", or the integer setting of that name in its steering set. 0 when neither is there.
+std::int32_t iterationsAsked(const TLSubTask& step) {
+  RWCString value;
+  if (step.arguments.find("-iterations", value) != 0) return std::max(std::atoi(value.c_str()), 0);
+  if (!step.steering) return 0;
+  for (const auto& parameter : step.steering->parameters) {
+    for (const auto& entry : parameter->integerEntries) {
+      if (entry->name == "iterations" || entry->name == "number of iterations") {
+        return std::max(entry->value, 0);
+      }
+    }
+  }
+  return 0;
 }
 
 }  // namespace
@@ -41,17 +93,34 @@ void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   update(task);
 }
 
-void TLRunRecorder::update(const TLTask& task) {
-  if (directory_.empty()) return;
+bool TLRunRecorder::takeAll(const TLTask& task) {
   const bool isNew = state_.steps.size() != task.subTasks.size() || state_.steps.empty();
-  bool changed = isNew;
+  bool now = isNew;
   state_.steps.resize(task.subTasks.size());
   for (std::size_t i = 0; i < task.subTasks.size(); ++i) {
+    takeProgress(task, i);
     if (!isNew && !differs(state_.steps[i], *task.subTasks[i])) continue;
     record(task, i);
-    changed = true;
+    now = true;
   }
-  if (changed) state_.save(directory_);
+  return now;
+}
+
+void TLRunRecorder::update(const TLTask& task) {
+  if (directory_.empty()) return;
+  const bool now = takeAll(task);
+  if (now) changed_ = recordBehind_ = true;
+  const auto time = Clock::now();
+  if (now || (changed_ && time - written_ >= kProgressInterval)) {
+    state_.save(directory_);
+    written_ = time;
+    changed_ = false;
+  }
+  if (recordBehind_ && time - recordWritten_ >= kRecordInterval) {
+    keptRun(task).save(directory_);
+    recordWritten_ = time;
+    recordBehind_ = false;
+  }
 }
 
 void TLRunRecorder::record(const TLTask& task, std::size_t position) {
@@ -68,10 +137,34 @@ void TLRunRecorder::record(const TLTask& task, std::size_t position) {
   entry.jobNumber = step.isQueued() && !step.children.empty() ? step.children.front() : 0;
   entry.reason = step.endReason;
   entry.queueState = step.queueState;
+  entry.iterationsAsked = iterationsAsked(step);
 }
 
-void TLRunRecorder::forget() {
+void TLRunRecorder::takeProgress(const TLTask& task, std::size_t position) {
+  const TLSubTask& step = *task.subTasks[position];
+  TLRunStateStep& entry = state_.steps[position];
+  if (entry.lastText == step.lastText && entry.iteration == step.residuals.iteration()) return;
+  entry.lastText = step.lastText;
+  entry.iteration = step.residuals.iteration();
+  entry.residuals = step.residuals.ends();
+  changed_ = recordBehind_ = true;
+}
+
+TLKeptRun TLRunRecorder::keptRun(const TLTask& task) const {
+  TLKeptRun kept;
+  kept.run = state_;
+  for (const auto& step : task.subTasks) kept.steps.push_back(keptStep(*step));
+  return kept;
+}
+
+void TLRunRecorder::end(const TLTask& task) {
   if (directory_.empty()) return;
+  takeAll(task);
+  TLKeptRun kept = keptRun(task);
+  kept.ended = secondsNow();
+  kept.keepLog(directory_);
+  kept.save(directory_);
+  TLKeptRun::removeOld(directory_);
   TLRunState::remove(directory_, state_.pid);
   directory_.clear();
 }

@@ -12,6 +12,8 @@
 #include "platform/TLHostForm.h"
 #include "session/TLRunRecorder.h"
 #include "session/TkSession.h"
+#include "taskengine/TLCurrentTask.h"
+#include "taskengine/TLTask.h"
 #include "taskengine/TLTaskGlobals.h"
 
 namespace {
@@ -70,12 +72,12 @@ std::FILE* openCatchout() {
 }
 
 void endTaskManager() {
+  if (gCurrentTask != nullptr) runRecorder().end(*gCurrentTask);
   if (!gCatchoutFileName.empty()) {
     if (gCatchoutFile != nullptr) std::fclose(gCatchoutFile);
     gCatchoutFile = nullptr;
     const RWCString name = hostForm().toLocal(asWord(gCatchoutFileName));
     hostForm().runSystem(fileCommandTable().remove + " " + name);
   }
-  runRecorder().forget();
   exitThroughScript();
 }

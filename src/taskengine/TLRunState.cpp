@@ -16,13 +16,36 @@ using Json = nlohmann::json;
 constexpr std::string_view kPrefix = "task-";
 constexpr std::string_view kSuffix = ".json";
 
+Json residualsToJson(const std::vector<TLRunStateResidual>& residuals) {
+  Json json = Json::array();
+  for (const auto& one : residuals) {
+    json.push_back({{"name", one.name}, {"first", one.first}, {"last", one.last}});
+  }
+  return json;
+}
+
+// A number that JSON has no word for is null.
+double numberFrom(const Json& json, const char* name) {
+  const auto found = json.find(name);
+  return found != json.end() && found->is_number() ? found->get<double>() : 0.0;
+}
+
 Json stepToJson(const TLRunStateStep& step) {
-  return {{"name", step.name},         {"executable", step.executable},
-          {"host", step.host},         {"status", step.status},
-          {"children", step.children}, {"queue", step.queue},
-          {"job", step.jobNumber},     {"started", step.started},
-          {"ended", step.ended},       {"reason", step.reason},
-          {"queue_state", step.queueState}};
+  return {{"name", step.name},
+          {"executable", step.executable},
+          {"host", step.host},
+          {"status", step.status},
+          {"children", step.children},
+          {"queue", step.queue},
+          {"job", step.jobNumber},
+          {"started", step.started},
+          {"ended", step.ended},
+          {"reason", step.reason},
+          {"queue_state", step.queueState},
+          {"iteration", step.iteration},
+          {"iterations_asked", step.iterationsAsked},
+          {"residuals", residualsToJson(step.residuals)},
+          {"last_text", step.lastText}};
 }
 
 TLRunStateStep stepFromJson(const Json& json) {
@@ -38,10 +61,19 @@ TLRunStateStep stepFromJson(const Json& json) {
   step.ended = json.value("ended", 0.0);
   step.reason = json.value("reason", "");
   step.queueState = json.value("queue_state", "");
+  step.iteration = json.value("iteration", 0);
+  step.iterationsAsked = json.value("iterations_asked", 0);
+  step.lastText = json.value("last_text", "");
+  for (const auto& entry : json.value("residuals", Json::array())) {
+    step.residuals.push_back(
+        {entry.value("name", ""), numberFrom(entry, "first"), numberFrom(entry, "last")});
+  }
   return step;
 }
 
-TLRunState stateFromJson(const Json& json) {
+}  // namespace
+
+TLRunState TLRunState::fromJson(const Json& json) {
   TLRunState state;
   state.tid = json.value("tid", 0);
   state.pid = json.value("pid", 0);
@@ -56,19 +88,27 @@ TLRunState stateFromJson(const Json& json) {
   return state;
 }
 
-}  // namespace
+Json TLRunState::json() const {
+  Json json = {{"version", kVersion},
+               {"tid", tid},
+               {"pid", pid},
+               {"host", host},
+               {"task_file", taskFile},
+               {"task_name", taskName},
+               {"log_file", logFile},
+               {"started", started},
+               {"steps", Json::array()}};
+  for (const auto& step : steps) json["steps"].push_back(stepToJson(step));
+  return json;
+}
 
 std::string TLRunState::fileName(const std::string& directory, int pid) {
   return hostForm().join(directory, fmt::format("{}{}{}", kPrefix, pid, kSuffix));
 }
 
 int TLRunState::save(const std::string& directory) const {
-  Json json = {{"version", kVersion},  {"tid", tid},           {"pid", pid},
-               {"host", host},         {"task_file", taskFile}, {"task_name", taskName},
-               {"log_file", logFile},  {"started", started},   {"steps", Json::array()}};
-  for (const auto& step : steps) json["steps"].push_back(stepToJson(step));
   // Names come from files of any encoding: what is no UTF-8 must not stop the daemon.
-  const std::string text = json.dump(1, ' ', false, Json::error_handler_t::replace);
+  const std::string text = json().dump(1, ' ', false, Json::error_handler_t::replace);
   return hostForm().replaceFile(fileName(directory, pid), text + "\n");
 }
 
@@ -82,7 +122,7 @@ std::optional<TLRunState> TLRunState::load(const std::string& path) {
   try {
     const Json json = Json::parse(*text);
     if (json.value("version", 0) != kVersion) return std::nullopt;
-    return stateFromJson(json);
+    return fromJson(json);
   } catch (const Json::exception&) {
     return std::nullopt;
   }

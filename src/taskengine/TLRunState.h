@@ -1,9 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <nlohmann/json_fwd.hpp>
 #include <optional>
 #include <string>
 #include <vector>
+
+/// How far a residual has come.
+struct TLRunStateResidual {
+  std::string name;
+  double first = 0;
+  double last = 0;
+
+  bool operator==(const TLRunStateResidual&) const = default;
+};
 
 /// What is known of one step beyond what the messages carry.
 struct TLRunStateStep {
@@ -16,8 +26,13 @@ struct TLRunStateStep {
   std::int32_t jobNumber = 0;          ///< 0 none
   double started = 0;                  ///< seconds since the epoch; 0 not yet
   double ended = 0;                    ///< 0 not yet
-  std::string reason;                  ///< why it ended, one sentence; empty when it runs or all is well
-  std::string queueState;              ///< the queuing system's own word for the job; empty if none
+  std::string reason;      ///< why it ended, one sentence; empty when it runs or all is well
+  std::string queueState;  ///< the queuing system's own word for the job; empty if none
+
+  std::int32_t iteration = 0;        ///< the last one that its solver has told; 0 none
+  std::int32_t iterationsAsked = 0;  ///< 0 unknown
+  std::vector<TLRunStateResidual> residuals;
+  std::string lastText;  ///< what it last had to say to the user
 
   bool operator==(const TLRunStateStep&) const = default;
 };
@@ -29,19 +44,23 @@ class TLRunState {
  public:
   static constexpr int kVersion = 1;
 
-  std::int32_t tid = 0;   ///< of the daemon; 0 when it is not enrolled
+  std::int32_t tid = 0;  ///< of the daemon; 0 when it is not enrolled
   int pid = 0;
   std::string host;
-  std::string taskFile;   ///< full path
+  std::string taskFile;  ///< full path
   std::string taskName;
-  std::string logFile;    ///< where the output of the steps is collected; empty if nowhere
-  double started = 0;     ///< seconds since the epoch
+  std::string logFile;  ///< where the output of the steps is collected; empty if nowhere
+  double started = 0;   ///< seconds since the epoch
   std::vector<TLRunStateStep> steps;
 
   bool operator==(const TLRunState&) const = default;
 
   /// Path of the file of process `pid` in `directory`.
   static std::string fileName(const std::string& directory, int pid);
+
+  /// As it stands in the file, and back.
+  nlohmann::json json() const;
+  static TLRunState fromJson(const nlohmann::json& json);
 
   /// Writes the file; 0 or an errno.
   int save(const std::string& directory) const;

@@ -83,6 +83,8 @@ bool TLSubTask::argumentsDefined() {
 
 int TLSubTask::start() {
   forgetEnd();
+  residuals.clear();
+  lastText.clear();
   if (enabled == 0) {
     status = FinishedOk;
     noteEnd(disabledBehind.empty() ? TLStepEnd::Kind::disabled : TLStepEnd::Kind::behindFailure,

@@ -9,6 +9,7 @@
 #include "messaging/TLProcessMessage.h"
 #include "messaging/TLSteeringParameters.h"
 #include "taskengine/TLProcessArguments.h"
+#include "taskengine/TLResidualHistory.h"
 #include "taskengine/TLStepEnd.h"
 #include "textio/Handle.h"
 #include "textio/RWCString.h"
@@ -199,6 +200,10 @@ class TLSubTask : public RefCounted {
   /// The queuing system's own word for the state of the job, as last seen ("qw", "RUN"); empty
   /// when none was seen. Not part of the record's file.
   RWCString queueState;
+  /// What its solver has told of its residuals so far. Not part of the record's file.
+  TLResidualHistory residuals;
+  /// The last text that one of its processes had for the user. Not part of the record's file.
+  RWCString lastText;
 
  private:
   int launch();

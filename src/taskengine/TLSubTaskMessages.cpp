@@ -13,6 +13,7 @@
 namespace {
 
 constexpr std::size_t kRunSuffix = 4;  // with its point
+constexpr std::size_t kLongestLastText = 500;
 
 bool isRunFile(const RWCString& path) {
   return TLFile(path).suffix() == "run";
@@ -57,6 +58,7 @@ void TLSubTask::handleMessage(TLProcessMessage& message) {
       break;
     case TL_MSG_TEXT:
       if (const RWCString* text = firstText(message)) {
+        lastText = text->substr(0, kLongestLastText);
         reportPhrase(doubleBackslashes(*text));
         evalScript("update");
       }
@@ -75,6 +77,7 @@ void TLSubTask::handleMessage(TLProcessMessage& message) {
       }
       break;
     case TL_MSG_STEERING_VALUES:
+      if (steering) residuals.take(*steering);
       evalScript("task_manager_update_ratio");
       break;
     case TL_MSG_ASK_STEERING:

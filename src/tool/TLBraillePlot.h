@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "tool/TLPlotSeries.h"
+#include "tool/TLPlotAxis.h"
 
 /// Draws series into a rectangle of a terminal, eight dots a character (braille, UTF-8).
 class TLBraillePlot {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "messaging/TLSteeringParameters.h"
-#include "tool/TLPlotSeries.h"
+#include "tool/TLPlotAxis.h"
 
 /// A picture of plots, one below the other, written as a PNG file.
 class TLPlotPicture {

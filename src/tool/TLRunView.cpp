@@ -11,11 +11,31 @@ namespace {
 
 using Json = nlohmann::json;
 
+Json residualsJson(const TLRunStateStep& step) {
+  Json json = Json::array();
+  for (const auto& one : step.residuals) {
+    json.push_back({{"name", one.name}, {"first", one.first}, {"last", one.last}});
+  }
+  return json;
+}
+
 Json stepJson(const TLRunStateStep& step, std::size_t position) {
-  return {{"step", position},          {"name", step.name},     {"executable", step.executable},
-          {"host", step.host},         {"status", step.status}, {"word", statusText(step.status)},
-          {"children", step.children}, {"job", step.jobNumber}, {"queue_state", step.queueState},
-          {"started", step.started},   {"ended", step.ended},   {"reason", step.reason}};
+  return {{"step", position},
+          {"name", step.name},
+          {"executable", step.executable},
+          {"host", step.host},
+          {"status", step.status},
+          {"word", statusText(step.status)},
+          {"children", step.children},
+          {"job", step.jobNumber},
+          {"queue_state", step.queueState},
+          {"started", step.started},
+          {"ended", step.ended},
+          {"reason", step.reason},
+          {"iteration", step.iteration},
+          {"iterations_asked", step.iterationsAsked},
+          {"residuals", residualsJson(step)},
+          {"last_text", step.lastText}};
 }
 
 std::string jobText(const TLRunStateStep& step) {

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "messaging/TLProcessMessage.h"
-#include "tool/TLPlotSeries.h"
+#include "taskengine/TLPlotSeries.h"
 
 /// What an interface holds of the steering values of a task: says so in its polls, and takes in
 /// what the daemon answers with. Of a long run it keeps as much as a drawing needs.

@@ -6,6 +6,9 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/TLHostForm.h"
+#include "taskengine/TLKeptRun.h"
+
 namespace {
 
 class RunState : public ::testing::Test {
@@ -25,7 +28,15 @@ class RunState : public ::testing::Test {
     state.taskFile = "/a b/heat \"1\".task";
     state.taskName = "\xe9t\xe9";  // not UTF-8
     state.started = started;
-    state.steps = {{"MESH", "mesh", "vm", 1, {7, 8}, 1, 42, 1.5, 0, "why\nnot", "qw"}};
+    TLRunStateStep& step = state.steps.emplace_back();
+    step.name = "SOLVE";
+    step.status = 1;
+    step.children = {7, 8};
+    step.reason = "why\nnot";
+    step.queueState = "qw";
+    step.iteration = 300;
+    step.iterationsAsked = 1000;
+    step.residuals = {{"rms", 1.5, 2e-7}};
     return state;
   }
 
@@ -39,6 +50,42 @@ TEST_F(RunState, ComesBackAsItWasAndGoes) {
   EXPECT_EQ(TLRunState::load(TLRunState::fileName(directory_, 11)), state);
   TLRunState::remove(directory_, 11);
   EXPECT_TRUE(std::filesystem::is_empty(directory_));
+}
+
+TEST_F(RunState, LeavesARecordWithTheEndOfItsLogAndBoundedPlots) {
+  TLKeptRun kept;
+  kept.run = example(11, 2);
+  kept.run.taskName = "heat";
+  kept.run.logFile = directory_ / "log";
+  std::ofstream(directory_ / "log") << std::string(TLKeptRun::kLongestLog, 'x') << "\nlast line\n";
+  TLKeptStep& step = kept.steps.emplace_back();
+  step.crashLines = {"negative volume"};
+  step.blockProcess = {0, 1, 0};
+  TLPlotSeries& series = step.residuals.emplace_back("rms");
+  for (int i = 1; i <= 5000; ++i) series.add(i, 1.0 / i);
+  kept.keepLog(directory_);
+  ASSERT_EQ(kept.save(directory_), 0);
+  EXPECT_EQ(hostForm().readFile(kept.run.logFile), "last line\n");
+
+  const auto back = TLKeptRun::load(TLKeptRun::fileName(directory_, kept.run.taskFile));
+  ASSERT_TRUE(back);
+  EXPECT_EQ(back->run, kept.run);
+  ASSERT_EQ(back->steps.size(), 1U);
+  EXPECT_EQ(back->steps[0].crashLines, step.crashLines);
+  EXPECT_EQ(back->steps[0].blockProcess, step.blockProcess);
+  const TLPlotSeries& read = back->steps[0].residuals.at(0);
+  EXPECT_LE(read.size(), TLKeptRun::kMostPoints);
+  EXPECT_EQ(read.x(0), series.x(0));
+  EXPECT_EQ(read.x(read.size() - 1), 5000);
+
+  for (std::size_t i = 0; i < TLKeptRun::kMostRuns; ++i) {
+    kept.run.taskFile = "/some/" + std::to_string(i);
+    kept.run.started = 100 + static_cast<double>(i);
+    ASSERT_EQ(kept.save(directory_), 0);
+  }
+  TLKeptRun::removeOld(directory_);
+  EXPECT_EQ(TLKeptRun::list(directory_).size(), TLKeptRun::kMostRuns);
+  EXPECT_FALSE(std::filesystem::exists(back->run.logFile));
 }
 
 TEST_F(RunState, ListsOldestFirstAndPassesForeignFilesOver) {

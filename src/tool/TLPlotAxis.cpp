@@ -1,38 +1,8 @@
-#include "tool/TLPlotSeries.h"
+#include "tool/TLPlotAxis.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-
-void TLPlotSeries::add(double x, double y) {
-  if (since_ > 0) {  // the last point was there only for being the last
-    x_.back() = x;
-    y_.back() = y;
-  } else {
-    x_.push_back(x);
-    y_.push_back(y);
-  }
-  since_ = (since_ + 1) % stride_;
-  if (since_ == 0 && x_.size() >= kMostPoints) thin();
-}
-
-void TLPlotSeries::thin() {
-  const std::size_t half = x_.size() / 2;
-  for (std::size_t i = 0; i < half; ++i) {
-    x_[i] = x_[2 * i + 1];
-    y_[i] = y_[2 * i + 1];
-  }
-  x_.resize(half);
-  y_.resize(half);
-  stride_ *= 2;
-}
-
-void TLPlotSeries::clear() {
-  x_.clear();
-  y_.clear();
-  stride_ = 1;
-  since_ = 0;
-}
 
 template <class Value>
 TLPlotAxis TLPlotAxis::over(const std::vector<TLPlotSeries>& series, bool logarithmic,

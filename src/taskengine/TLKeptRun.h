@@ -1,0 +1,53 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "taskengine/TLPlotSeries.h"
+#include "taskengine/TLRunState.h"
+
+/// What a report tells of one step beyond its state.
+struct TLKeptStep {
+  std::vector<std::string> command;        ///< words of its command line as started; none: never
+  std::vector<std::string> crashLines;     ///< what its processes said of a failure
+  std::vector<std::string> endTexts;       ///< texts of its end message
+  std::vector<std::int32_t> blockProcess;  ///< process of each mesh block, from 0
+  std::vector<std::int32_t> blockCells;    ///< weight of each block; 0 unknown
+  std::vector<std::string> processHosts;   ///< host of each process of a parallel run
+  std::vector<TLPlotSeries> residuals;     ///< over the iterations, each of kMostPoints at most
+};
+
+/// The record that a run leaves for a report: its last state and what the state file has no room
+/// for. One per task file, in the user's PVM directory, JSON with a version field, replaced
+/// atomically by the next run of the same task; the log of the run beside it. Only the newest are
+/// kept.
+class TLKeptRun {
+ public:
+  static constexpr int kVersion = 1;
+  static constexpr std::size_t kMostPoints = 1000;
+  static constexpr std::size_t kMostRuns = 50;
+  static constexpr std::size_t kLongestLog = std::size_t{1} << 20;
+
+  TLRunState run;
+  double ended = 0;               ///< of the daemon, orderly; 0: it runs, or was killed
+  std::vector<TLKeptStep> steps;  ///< as many as there are in `run`
+
+  /// Path of the record of `taskFile` in `directory`.
+  static std::string fileName(const std::string& directory, const std::string& taskFile);
+  /// Path of the log beside it.
+  static std::string logName(const std::string& directory, const std::string& taskFile);
+
+  /// Writes the record; 0 or an errno.
+  int save(const std::string& directory) const;
+  /// Copies the end of the run's log beside the record and has the record name the copy. Nothing
+  /// when there is no log.
+  void keepLog(const std::string& directory);
+  /// Reads a record; none when it isn't there or is none.
+  static std::optional<TLKeptRun> load(const std::string& path);
+  /// All records of a directory, the newest run first.
+  static std::vector<TLKeptRun> list(const std::string& directory);
+  /// Removes all but the newest records, with their logs.
+  static void removeOld(const std::string& directory);
+};
