@@ -23,6 +23,9 @@
 #include "taskengine/TLTaskChildren.h"
 #include "taskengine/TLTaskGlobals.h"
 
+// Its header would bring the macros of X along.
+extern "C" int Tk_Init(Tcl_Interp* interp);
+
 namespace {
 
 constexpr std::int32_t kEcho = 1;
@@ -125,9 +128,21 @@ void Texts_bareReceive(benchmark::State& state) {
 }
 BENCHMARK(Texts_bareReceive)->UseRealTime()->Unit(benchmark::kMillisecond)->Apply(repeated);
 
+// An interpreter as it comes, with a window.
+Tcl_Interp* bareScript() {
+  static Tcl_Interp* const interp = [] {
+    testSession();  // has started Tcl
+    Tcl_Interp* made = Tcl_CreateInterp();
+    if (Tcl_Init(made) != TCL_OK || Tk_Init(made) != TCL_OK) std::abort();
+    Tcl_Eval(made, "proc task_manager_receive_message {args} {}");
+    return made;
+  }();
+  return interp;
+}
+
 void Texts_bareScript(benchmark::State& state) {
   useMachine();
-  Tcl_Interp* interp = useScript();
+  Tcl_Interp* interp = bareScript();
   std::string text;
   texts(state, [&](std::int32_t from) {
     if (!bareText(from, text)) return false;

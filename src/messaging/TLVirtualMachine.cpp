@@ -21,6 +21,9 @@ namespace {
 RWCString gLastSpawn = "ok";
 bool gAllowed = true;
 bool gLost = false;
+// This host as the table told it first. A host keeps its name and kind for as long as a process of
+// it is enrolled.
+TLVirtualMachineHost gOwnHost;
 
 int truth(int code) {
   return code >= 0 ? 1 : 0;
@@ -134,6 +137,13 @@ int refuseText(int code) {
   return 0;
 }
 
+void rememberOwnHost(const std::vector<TLVirtualMachineHost>& hosts) {
+  const int own = pvm_tidtohost(pvm_mytid());
+  const auto host = std::find_if(hosts.begin(), hosts.end(),
+                                 [own](const TLVirtualMachineHost& h) { return h.tid == own; });
+  if (host != hosts.end()) gOwnHost = *host;
+}
+
 RWCString localMachineName() {
   constexpr std::size_t kLongest = 256;
   const RWCString name = hostForm().hostName();
@@ -159,7 +169,12 @@ std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& ar
     hosts.push_back(
         {table[i].hi_tid, table[i].hi_name, table[i].hi_arch, table[i].hi_speed, table[i].hi_dsig});
   }
+  if (gOwnHost.tid == 0) rememberOwnHost(hosts);
   return answer;
+}
+
+const TLVirtualMachineHost* TL_virtual_machine_own_host() {
+  return gOwnHost.tid == 0 || !gAllowed || gLost ? nullptr : &gOwnHost;
 }
 
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
@@ -306,12 +321,11 @@ int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t lengt
 }
 
 RWCString ownHostName() {
-  std::int32_t hostCount = 0;
-  std::int32_t archCount = 0;
-  std::vector<TLVirtualMachineHost> hosts;
-  if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return localMachineName();
-  const int own = pvm_tidtohost(pvm_mytid());
-  const auto host = std::find_if(hosts.begin(), hosts.end(),
-                                 [own](const TLVirtualMachineHost& h) { return h.tid == own; });
-  return host == hosts.end() ? localMachineName() : host->name;
+  if (TL_virtual_machine_own_host() == nullptr) {
+    std::int32_t hostCount = 0;
+    std::int32_t archCount = 0;
+    std::vector<TLVirtualMachineHost> hosts;
+    if (TL_virtual_machine_config(hostCount, archCount, hosts) < 0) return localMachineName();
+  }
+  return gOwnHost.tid == 0 ? localMachineName() : gOwnHost.name;
 }

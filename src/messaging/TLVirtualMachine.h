@@ -47,6 +47,10 @@ void TL_virtual_machine_allow(bool allowed);
 std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& archCount,
                                        std::vector<TLVirtualMachineHost>& hosts);
 
+/// This host's entry of the table, without asking for it; null until a table has told it, and when
+/// there is no virtual machine to ask.
+const TLVirtualMachineHost* TL_virtual_machine_own_host();
+
 /// Starts one task of `executable` on `host`. 0 on success, `tid` then being the new task's;
 /// otherwise the code that PVM filled in for the task. Tells the script of either.
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,

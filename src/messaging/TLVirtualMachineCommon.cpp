@@ -21,6 +21,8 @@ std::vector<RWCString> commandWords(const TLProcessArguments& arguments) {
 namespace {
 
 std::optional<TLVirtualMachineHost> hostNamed(const RWCString& name) {
+  const TLVirtualMachineHost* own = TL_virtual_machine_own_host();
+  if (own != nullptr && own->name == name) return *own;
   std::int32_t hostCount = 0;
   std::int32_t archCount = 0;
   std::vector<TLVirtualMachineHost> hosts;

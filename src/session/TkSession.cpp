@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/TLConsole.h"
+#include "session/TLQuietUpdate.h"
 #include "session/TLToolVariables.h"
 
 extern "C" {
@@ -107,6 +108,7 @@ TkSession::TkSession(int argc, char** argv) : interp_(std::make_unique<TCLInterp
   if (gNoTk) return;
   Tcl_Eval(interp(), kFileReplacement);
   startToolkits();
+  useQuietUpdate(interp());
   setApplication();
 }
 

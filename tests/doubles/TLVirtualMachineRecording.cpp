@@ -65,6 +65,10 @@ std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& ar
   return vm().configResult;
 }
 
+const TLVirtualMachineHost* TL_virtual_machine_own_host() {
+  return nullptr;
+}
+
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
                                       const TLProcessArguments& arguments, std::int32_t& tid) {
   const TLSpawnAnswer answer = nextSpawnAnswer();

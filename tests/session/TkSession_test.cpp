@@ -59,6 +59,21 @@ TEST(TkSession, toolkitsAreThere) {
             "1");
 }
 
+TEST(TkSession, updateHandlesWhatIsDueAndWhatTheDisplayAnswers) {
+  testSession();
+  EXPECT_EQ(value("set log {}; after idle {lappend log idle}; after 0 {lappend log timer};"
+                  "update; lsort $log"),
+            "idle timer");
+  // A new window is there, mapped and told of its size, when the update behind it returns, whether
+  // or not another one has just asked for nothing.
+  EXPECT_EQ(value("update; toplevel .t -width 321 -height 123; set seen {};"
+                  "bind .t <Configure> {lappend seen %w}; update; update;"
+                  "set mapped [winfo ismapped .t]; destroy .t; update; list $mapped $seen"),
+            "1 321");
+  EXPECT_EQ(value("update idletasks; catch {update nonsense} text; set text"),
+            "bad option \"nonsense\": must be idletasks");
+}
+
 TEST(TkSession, fileReadableOpensTheFile) {
   testSession();
   const auto path = std::filesystem::temp_directory_path() /
