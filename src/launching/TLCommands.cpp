@@ -19,6 +19,11 @@ CommandTable& commandTable() {
   return table;
 }
 
+TLCopyReport& copyReport() {
+  static TLCopyReport report;
+  return report;
+}
+
 bool isPosix() {
   return hostForm().kind() == TLHostKind::posix;
 }
@@ -48,24 +53,8 @@ RWCString quotedWithStar(const RWCString& path) {
   return hostForm().quoted(path.substr(0, path.size() - 1)) + '*';
 }
 
-/// Every character that is not part of a plain name masked for the far shell; stars stay.
-RWCString maskedForFarShell(const RWCString& path) {
-  RWCString result;
-  for (const char c : path) {
-    const bool letter = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
-                        (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
-    if (c == '\n') {
-      result += "'\n'";
-      continue;
-    }
-    if (!letter && RWCString("._/-+,=*?~").find(c) == RWCString::npos) result += '\\';
-    result += c;
-  }
-  return result;
-}
-
 RWCString farUnixPath(const RWCString& path) {
-  if (isPosix() && holdsActiveCharacter(path)) return quotedWithStar(maskedForFarShell(path));
+  if (isPosix() && holdsActiveCharacter(path)) return quotedWithStar(maskForFarShell(path, true));
   return quoteWithStar(escapeForRemoteUnix(path));
 }
 
@@ -108,18 +97,28 @@ RWCString copyOutputFile() {
   return hostForm().variableOrEmpty("TMP_DIR") + hostForm().separator() + "rcp.out";
 }
 
+/// What the tool says is all that tells how a copy ended: without a file to say it in, it failed.
+void keepReport() {
+  TLCopyReport& report = copyReport();
+  const auto words = hostForm().readFile(copyOutputFile());
+  report.words = words.value_or("the copy tool could not be run");
+  report.failed = !words || (!words->empty() && words->front() != '\n');
+}
+
 void runCopy(const char* options, const RWCString& srcHost, const RWCString& srcPath,
              const RWCString& dstHost, const RWCString& dstPath, const RWCString& system) {
   RWCString source = cleaned(srcPath, srcHost.empty());
   RWCString target = cleaned(dstPath, dstHost.empty());
   RWCString& local = srcHost.empty() ? source : target;
   local = withoutDrive(local);
+  if (isPosix() && local.starts_with('-')) local.insert(0, "./");  // no option
   RWCString command = suiteProgram("tlrcp") + options;
   if (!srcHost.empty()) command += hostForm().bare(srcHost) + ":";
   command += pathWord(srcHost, source, system) + " ";
   if (!dstHost.empty()) command += hostForm().bare(dstHost) + ":";
   command += pathWord(dstHost, target, system) + " ";
   runRedirected(stripTrailingSlashes(command), copyOutputFile());
+  keepReport();
 }
 
 // ---- local files -----------------------------------------------------------------------------
@@ -153,18 +152,17 @@ int runRedirected(const RWCString& command, const RWCString& outputFile) {
   return code;
 }
 
-void remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
-                const RWCString& outputFile) {
+int remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
+               const RWCString& outputFile) {
   TLHostForm& form = hostForm();
   const RWCString here = form.hostName().substr(0, kLongestHostName);
   if (withoutDomain(host) == withoutDomain(here)) {
-    runRedirected(command, outputFile);
-    return;
+    return runRedirected(command, outputFile);
   }
   RWCString line = suiteProgram("tlrsh") + " ";
   if (!login.empty()) line += "-l " + form.bare(login) + " ";
   line += form.bare(host) + " " + form.quoted(command);
-  runRedirected(line, outputFile);
+  return runRedirected(line, outputFile);
 }
 
 int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
@@ -172,10 +170,14 @@ int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCStri
   initFileCommands();
   runCopy(" -b ", srcHost, srcPath, dstHost, dstPath, system);
   const RWCString outputFile = copyOutputFile();
-  const auto output = hostForm().readFile(outputFile);
-  if (!output) return 1;  // the copy could not even be tried
-  runRedirected(fileCommandTable().remove + hostForm().bare(outputFile), {});
-  return output->empty() || output->front() == '\n' ? 0 : 1;
+  if (hostForm().canRead(outputFile)) {
+    runRedirected(fileCommandTable().remove + hostForm().bare(outputFile), {});
+  }
+  return copyReport().failed ? 1 : 0;
+}
+
+const TLCopyReport& lastCopyReport() {
+  return copyReport();
 }
 
 int remoteCopyTree(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,

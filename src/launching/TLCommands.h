@@ -21,9 +21,10 @@ const TLFileCommands& fileCommandTable();
 int runRedirected(const RWCString& command, const RWCString& outputFile);
 
 /// Runs `command` on `host` as `login` (empty: the same user), here when that is this host whatever
-/// the domains say. `outputFile` as above.
-void remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
-                const RWCString& outputFile);
+/// the domains say. `outputFile` as above. The exit code as above; of a command on another host it
+/// is what the remote shell of the suite passes on.
+int remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
+               const RWCString& outputFile);
 
 /// Copies a file, or what a last "*" stands for, between this host and another. The host of the
 /// local side is empty, the other one's is "host" or "host.login". `system` is "WIN32" or "UNIX",
@@ -33,6 +34,13 @@ int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCStri
 /// The same for a directory with all in it. Always 1.
 int remoteCopyTree(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
                    const RWCString& dstPath, const RWCString& system);
+
+/// How the last remoteCopy or remoteCopyTree went.
+struct TLCopyReport {
+  bool failed = false;  ///< it said something, or could not be run
+  RWCString words;      ///< all that the tool said
+};
+const TLCopyReport& lastCopyReport();
 
 /// @name Local files. What fails in a copy or a move isn't told.
 /// @{

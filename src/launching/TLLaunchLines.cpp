@@ -39,3 +39,7 @@ void tellScript(const RWCString& line) {
   evalScript(line);
   evalScript("update");
 }
+
+void sayToScript(const RWCString& phrase) {
+  tellScript(messageLine('"' + scriptQuoted(doubleBackslashes(phrase)) + '"'));
+}

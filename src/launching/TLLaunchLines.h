@@ -23,3 +23,6 @@ RWCString messageLine(const RWCString& word);
 
 /// Evaluates a line, then has the screen redrawn.
 void tellScript(const RWCString& line);
+
+/// Shows a phrase to the user, whatever stands in it.
+void sayToScript(const RWCString& phrase);

@@ -1,5 +1,6 @@
 #include "launching/TLLaunching.h"
 
+#include "launching/TLHostTransfer.h"
 #include "launching/TLJobQueue.h"
 #include "launching/TLTransfer.h"
 #include "messaging/TLVirtualMachine.h"
@@ -38,6 +39,7 @@ TLLaunching& launching() {
 
 void installLaunching() {
   setLauncher(&launching());
+  setTransfer(&hostTransfer());
 }
 
 TLLaunchSite launchSite() {

@@ -53,6 +53,22 @@ RWCString escapeForShell(const RWCString& text) {
   return result;
 }
 
+RWCString maskForFarShell(const RWCString& text, bool stars) {
+  const std::string_view plain = stars ? "._/-+,=~*?" : "._/-+,=~";
+  RWCString result;
+  for (const char c : text) {
+    const bool letter = (c >= '0' && c <= '9') || (c >= 'a' && c <= 'z') ||
+                        (c >= 'A' && c <= 'Z') || static_cast<unsigned char>(c) >= 0x80;
+    if (c == '\n') {
+      result += "'\n'";
+      continue;
+    }
+    if (!letter && plain.find(c) == std::string_view::npos) result += '\\';
+    result += c;
+  }
+  return result;
+}
+
 RWCString escapeForRemoteUnix(const RWCString& text) {
   constexpr std::string_view kMasked = " #%&'():@[]{}";
   RWCString result;

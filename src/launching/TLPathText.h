@@ -20,5 +20,8 @@ RWCString quotePlain(const RWCString& text);
 RWCString quoteWithStar(const RWCString& path);
 /// "!" and "$" masked for the two shells behind which a copy to a Windows host stands.
 RWCString escapeForShell(const RWCString& text);
+/// Every character that is no part of a plain name masked by a backslash: one word for any UNIX
+/// shell. With `stars` those of a pattern stay as they are.
+RWCString maskForFarShell(const RWCString& text, bool stars);
 /// What a UNIX host's shell would take apart, masked by a backslash each ("!" by two).
 RWCString escapeForRemoteUnix(const RWCString& text);

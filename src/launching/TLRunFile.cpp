@@ -3,45 +3,13 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "launching/TLLaunchLines.h"
-#include "launching/TLPathText.h"
-#include "parameters/TLParametersDataBase.h"
+#include "launching/TLProjectReading.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "project/TLProject.h"
 #include "project/TLProjectType.h"
-#include "textio/TLTokenReader.h"
 
 namespace {
-
-/// True when the text has something for which the structured solver's parameters are needed.
-bool holdsComputation(const RWCString& text) {
-  TLTextSource source(text);
-  for (auto line = source.readLine(); !line.empty(); line = source.readLine()) {
-    if (TLTokenReader::lineHasToken(line, "tl_begin") &&
-        TLTokenReader::lineHasToken(line, "computation")) {
-      return true;
-    }
-  }
-  return false;
-}
-
-/// True when every definition file that the reading of a project loads is there. A process that
-/// asks for one that is missing would end.
-bool definitionsInstalled(bool unstructured) {
-  TLHostForm& form = hostForm();
-  const RWCString directory = form.variableOrEmpty("VELSTRA_DIR");
-  const RWCString solver = unstructured ? "/lumbrake" : "/velstra";
-  for (const RWCString& file :
-       {RWCString("/velstra.uni"), solver + "_steering.def", solver + "_bc.def"}) {
-    if (!form.canRead(directory + file)) return false;
-  }
-  return true;
-}
-
-void say(const RWCString& phrase) {
-  tellScript(messageLine('"' + scriptQuoted(doubleBackslashes(phrase)) + '"'));
-}
 
 /// The run file as a project.
 class ProjectRunFile : public TLRunFile {
@@ -49,13 +17,7 @@ class ProjectRunFile : public TLRunFile {
   TLRunFileFacts read(const RWCString& path, bool unstructuredTables) override {
     path_ = path;
     project_ = makeHandle<TLProject>();
-    auto text = hostForm().readFile(path);
-    if (!text) return {};
-    if (holdsComputation(*text)) waitForParameters();
-    project_->usesDefinitions = definitionsInstalled(unstructuredTables);
-    project_->projectFile = TLFile(path);
-    TLTextSource source(std::move(*text));
-    if (project_->read(source) != 1) {
+    if (readProject(*project_, path, unstructuredTables) != 1) {
       project_ = makeHandle<TLProject>();
       return {};
     }
@@ -134,14 +96,6 @@ class ProjectRunFile : public TLRunFile {
     result.hasComputation = first() != nullptr;
     if (first() != nullptr) result.userSolverPrecision = first()->userSolverPrecision;
     return result;
-  }
-
-  /// Read without the solver's parameters, a run file would be written back without its own: the
-  /// launch stays here until the definition file is there.
-  static void waitForParameters() {
-    const RWCString problem = TLParametersDataBase::problem();
-    if (!problem.empty()) say("The launch waits for the solver's definitions. " + problem);
-    TLParametersDataBase::instance();
   }
 
   RWCString path_;

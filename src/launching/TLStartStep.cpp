@@ -59,7 +59,7 @@ class OrdinaryLaunch {
         failed = transfer().transferHexa_(step_);
         break;
       case TLCarriage::sculpt:
-        transfer().transferSculpt(step_);
+        failed = transfer().transferSculpt(step_) == 1 ? 0 : 1;
         break;
       case TLCarriage::arguments:
         failed = transfer().transferStep(step_);

@@ -11,7 +11,7 @@ class NoTransfer : public TLTransfer {
  public:
   int transferStep(TLSubTask& step) override { return refused(step); }
   int transferHexa_(TLSubTask& step) override { return refused(step); }
-  int transferSculpt(TLSubTask& step) override { return refused(step); }
+  int transferSculpt(TLSubTask& step) override { return 1 - refused(step); }
   int retrieveResults(TLSubTask& /*step*/) override { return 1; }
   int retrieveHexa_(TLSubTask& /*step*/) override { return 1; }
   void removeRemoteDir(TLSubTask& /*step*/) override {}

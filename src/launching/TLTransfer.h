@@ -8,11 +8,13 @@ class TLTransfer {
  public:
   virtual ~TLTransfer() = default;
 
-  /// @name Before the start: 0 when all was carried, else the start has failed.
+  /// @name Before the start. transferStep and transferHexa_: 0 when the start may go on, else it
+  /// has failed.
   /// @{
-  virtual int transferStep(TLSubTask& step) = 0;    ///< any step, argument by argument
-  virtual int transferHexa_(TLSubTask& step) = 0;   ///< an unstructured run
-  virtual int transferSculpt(TLSubTask& step) = 0;  ///< the shape optimiser
+  virtual int transferStep(TLSubTask& step) = 0;   ///< any step, argument by argument
+  virtual int transferHexa_(TLSubTask& step) = 0;  ///< an unstructured run
+  /// The shape optimiser; 1 when the start may go on.
+  virtual int transferSculpt(TLSubTask& step) = 0;
   /// @}
 
   /// @name Afterwards; answers as in taskengine/TLLauncher.h.

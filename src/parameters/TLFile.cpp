@@ -3,6 +3,18 @@
 #include "platform/TLHostForm.h"
 
 TLFile::TLFile(std::string_view path) : path_(hostForm().toLocal(path)) {
+  split();
+}
+
+TLFile TLFile::onOtherHost(std::string_view path) {
+  TLFile file;
+  file.path_ = path;
+  file.split();
+  return file;
+}
+
+void TLFile::split() {
+  suffix_.clear();
   const auto separator = path_.find_last_of("/\\");
   directory_ = separator == RWCString::npos ? RWCString() : path_.substr(0, separator + 1);
   const auto point = name().rfind('.');

@@ -11,6 +11,8 @@ class TLFile {
   /// The file that stands for none.
   TLFile() = default;
   explicit TLFile(std::string_view path);
+  /// A path on another host, kept in that host's notation.
+  static TLFile onOtherHost(std::string_view path);
 
   /// The whole path.
   const RWCString& path() const { return path_; }
@@ -29,6 +31,8 @@ class TLFile {
   bool exists() const;
 
  private:
+  void split();
+
   RWCString path_ = "/usr/unknown";
   RWCString directory_ = "/usr/";
   RWCString suffix_;

@@ -98,6 +98,9 @@ class TLHostForm {
   /// True when an existing file can be opened for reading and writing; else `error` is the errno.
   virtual bool canWrite(std::string_view path, int& error) const = 0;
   virtual std::optional<std::string> readFile(std::string_view path) const = 0;
+  virtual bool isDirectory(std::string_view path) const = 0;
+  /// Bytes of a file, links followed; 0 for what is no regular file.
+  virtual std::uint64_t fileSize(std::string_view path) const = 0;
   /// Puts `text` in the place of a file: written beside it, synced, renamed over it with the mode
   /// and owner of the old one. On failure the old file stands untouched, nothing is left beside
   /// it, and the answer is the errno (0 for success). An existing file that can't be written is

@@ -130,6 +130,17 @@ std::optional<std::string> TLUnixHost::readFile(std::string_view path) const {
   return text;
 }
 
+bool TLUnixHost::isDirectory(std::string_view path) const {
+  struct stat about {};
+  return stat(realPath(path).c_str(), &about) == 0 && S_ISDIR(about.st_mode);
+}
+
+std::uint64_t TLUnixHost::fileSize(std::string_view path) const {
+  struct stat about {};
+  const bool regular = stat(realPath(path).c_str(), &about) == 0 && S_ISREG(about.st_mode);
+  return regular ? static_cast<std::uint64_t>(about.st_size) : 0;
+}
+
 int TLUnixHost::replaceFile(std::string_view path, std::string_view text) {
   const std::string target = behindLinks(realPath(path));
   struct stat old {};

@@ -18,6 +18,8 @@ class TLUnixHost : public TLHostForm {
   bool isLink(std::string_view path) const override;
   bool canWrite(std::string_view path, int& error) const override;
   std::optional<std::string> readFile(std::string_view path) const override;
+  bool isDirectory(std::string_view path) const override;
+  std::uint64_t fileSize(std::string_view path) const override;
   int replaceFile(std::string_view path, std::string_view text) override;
   bool makeDirectory(std::string_view path) override;
   bool makePrivateDirectory(std::string_view path) override;

@@ -11,6 +11,7 @@
 #include "taskengine/TLProcessArguments.h"
 #include "taskengine/TLResidualHistory.h"
 #include "taskengine/TLStepEnd.h"
+#include "taskengine/TLTransferProgress.h"
 #include "textio/Handle.h"
 #include "textio/RWCString.h"
 #include "textio/RefCounted.h"
@@ -204,6 +205,8 @@ class TLSubTask : public RefCounted {
   TLResidualHistory residuals;
   /// The last text that one of its processes had for the user. Not part of the record's file.
   RWCString lastText;
+  /// Files on their way to the step's host or back. Not part of the record's file.
+  TLTransferProgress transfer;
 
  private:
   int launch();

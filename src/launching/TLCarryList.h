@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "launching/TLFarSide.h"
+#include "textio/RWCString.h"
+
+/// One thing that a transfer to a host does.
+struct TLCarryAction {
+  enum class Kind {
+    message,    ///< `text`, a line, is evaluated in the script
+    print,      ///< `text`, with its line ends, goes to standard output
+    directory,  ///< `text`, a command, makes the directory of the run on the host
+    command,    ///< `text` is run on the host
+    copy,       ///< the file or the pattern `source` of this host becomes or goes into `target`
+    tree,       ///< the directory `source` with all in it goes into the directory `target`
+    write,      ///< `text` becomes the file `target` of this host
+    remove,     ///< the file `target` of this host goes
+    value       ///< the value of the argument `entry` becomes `text`
+  };
+
+  Kind kind = Kind::message;
+  RWCString text;
+  RWCString source;
+  RWCString target;
+  std::int32_t entry = -1;
+  std::int64_t bytes = 0;  ///< of a copy or a tree
+  bool update = false;     ///< after a message the screen is redrawn
+  bool needed = false;     ///< when it fails, the transfer has failed, and ends there
+};
+
+/// All that a transfer to a host does, in its order. Making the list reads the projects that go
+/// along and looks for the files beside them; it changes nothing.
+class TLCarryList {
+ public:
+  explicit TLCarryList(TLFarSide far) : far_(std::move(far)) {}
+
+  const TLFarSide& far() const { return far_; }
+  const std::vector<TLCarryAction>& actions() const { return actions_; }
+
+  /// A phrase for the user; what stands in it arrives as it is.
+  void message(const RWCString& phrase, bool update);
+  /// A word of the script's vocabulary.
+  void word(const RWCString& text);
+  void print(const RWCString& text);
+  /// The directory of the run.
+  void makeRunDirectory();
+  void makeDirectory(const RWCString& path);
+  /// A failed one ends the transfer when it is `needed`.
+  void copy(const RWCString& source, const RWCString& target, bool needed);
+  void tree(const RWCString& source, const RWCString& target, bool needed);
+  void write(const RWCString& path, RWCString text, bool needed);
+  void remove(const RWCString& path);
+  void setValue(std::int32_t entry, const RWCString& value);
+
+ private:
+  TLCarryAction& add(TLCarryAction::Kind kind);
+
+  TLFarSide far_;
+  std::vector<TLCarryAction> actions_;
+};
+
+/// Bytes of a file, of the files that a last "*" stands for, or of a directory with all in it.
+std::int64_t bytesOf(const RWCString& source);

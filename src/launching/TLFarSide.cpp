@@ -1,0 +1,58 @@
+#include "launching/TLFarSide.h"
+
+#include "launching/TLPathText.h"
+#include "taskengine/TLSubTask.h"
+
+namespace {
+
+/// A Windows name holds no quotes and no line ends; whatever claims to is no name of a file.
+RWCString win32Word(const RWCString& path) {
+  constexpr const char* kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/\\:+@~*";
+  if (path.find_first_not_of(kPlain) == RWCString::npos) return path;
+  RWCString result;
+  for (const char c : path) {
+    if (c != '"' && c != '\n' && c != '\r') result += c;
+  }
+  return '"' + result + '"';
+}
+
+}  // namespace
+
+TLFarSide::TLFarSide(const TLSubTask& step)
+    : host_(step.hostName),
+      login_(step.remoteLogin),
+      directory_(step.remoteRunDir),
+      win32_(step.isWin32Host != 0) {}
+
+RWCString TLFarSide::spec() const {
+  return login_.empty() ? host_ : host_ + "." + login_;
+}
+
+RWCString TLFarSide::word(const RWCString& path, const char* pattern) const {
+  if (win32_) return win32Word(path + pattern);
+  // A name that a program would take for an option gets its directory in front.
+  return (path.starts_with('-') ? "./" : "") + maskForFarShell(path, false) + pattern;
+}
+
+RWCString TLFarSide::makeDirectory(const RWCString& path) const {
+  return (win32_ ? "md " : "mkdir -p ") + word(path);
+}
+
+RWCString TLFarSide::removeFile(const RWCString& path) const {
+  return (win32_ ? "del /q " : "/bin/rm -f ") + word(path);
+}
+
+std::vector<RWCString> TLFarSide::removal() const {
+  if (win32_) return {"del /q " + word(directory_, "\\*.*"), "rd " + word(directory_)};
+  return {"/bin/rm -f " + word(directory_, "/*.*"), "/bin/rm -rf " + word(directory_)};
+}
+
+std::vector<RWCString> TLFarSide::discard() const {
+  if (win32_) return {"del /q " + word(directory_, "\\*.*"), "rmdir " + word(directory_)};
+  return {"/bin/rm -rf " + word(directory_)};
+}
+
+RWCString TLFarSide::directoryName(const RWCString& root, bool win32, const RWCString& number) {
+  return win32 ? root + "\\tm_" + number : root + "/.tm_" + number + "/";
+}

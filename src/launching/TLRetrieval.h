@@ -1,0 +1,30 @@
+#pragma once
+
+#include "launching/TLFarSide.h"
+#include "launching/TLTransferWatch.h"
+
+class TLSubTask;
+
+/// One fetching of a step's files from its host, in one of three ways. Answers whether everything
+/// that was there arrived: when it did, the directory there may go.
+class TLRetrieval {
+ public:
+  explicit TLRetrieval(TLSubTask& step);
+
+  /// Any step: argument by argument.
+  bool fetchArguments();
+  /// An unstructured run: the directory of its computation.
+  bool fetchUnstructured();
+  /// The shape optimiser: the whole directory of its run.
+  bool fetchSculpt();
+
+ private:
+  int retrieveProject(const RWCString& file, const RWCString& directory);
+  void fetchMesh(const RWCString& file, const RWCString& local);
+  void fetchBehind(const RWCString& stem, const RWCString& directory, bool walls);
+  void clearBackup(const RWCString& path);
+
+  TLSubTask& step_;
+  TLFarSide far_;
+  TLTransferWatch watch_;
+};
