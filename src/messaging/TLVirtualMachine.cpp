@@ -1,7 +1,9 @@
 #include "messaging/TLVirtualMachine.h"
 
+#include <poll.h>
 #include <pvm3.h>
 #include <pvmtev.h>
+#include <sys/select.h>
 
 #include <algorithm>
 #include <iterator>
@@ -88,6 +90,24 @@ RWCString spawnErrorText(int answer, int taskCode, const RWCString& host,
       break;
   }
   return error->text;
+}
+
+/// True when something stands in the sockets to the virtual machine that was not read yet.
+bool isReadable() {
+  int* descriptors = nullptr;
+  const int count = std::min(pvm_getfds(&descriptors), FD_SETSIZE);
+  std::vector<pollfd> sockets;
+  for (int i = 0; i < count; ++i) sockets.push_back({descriptors[i], POLLIN, 0});
+  return count > 0 && poll(sockets.data(), sockets.size(), 0) > 0;
+}
+
+/// As pvm_nrecv. That reads one message at most and gives up when it isn't the one asked for:
+/// behind each line that a task prints all that has come stayed for the next call.
+int receiveNow(int tid, int tag) {
+  constexpr int kMostReads = 10000;
+  int answer = pvm_nrecv(tid, tag);
+  for (int i = 0; answer == 0 && i < kMostReads && isReadable(); ++i) answer = pvm_nrecv(tid, tag);
+  return answer;
 }
 
 /// Tag of the trace messages, far from those of the tools.
@@ -210,7 +230,7 @@ void TL_virtual_machine_watch_ends() {
 }
 
 bool TL_virtual_machine_next_end(std::int32_t& tid, std::int32_t& waitStatus) {
-  while (gWatchesEnds && !gLost && pvm_nrecv(-1, kTraceTag) > 0) {
+  while (gWatchesEnds && !gLost && receiveNow(-1, kTraceTag) > 0) {
     if (readTracedEnd(tid, waitStatus)) return true;
   }
   return false;
@@ -269,7 +289,7 @@ std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag) {
 }
 
 std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag) {
-  const int answer = pvm_nrecv(tid, tag);
+  const int answer = receiveNow(tid, tag);
   gLost = answer == PvmSysErr;
   return std::max(answer, 0);
 }

@@ -80,6 +80,30 @@ TEST_F(RealVirtualMachine, SpawnsWithArgumentsAndTellsTheScript) {
   std::fclose(output);
 }
 
+TEST_F(RealVirtualMachine, ATaskThatPrintsHoldsNothingUp) {
+  std::FILE* output = std::tmpfile();
+  TL_virtual_machine_catchout(output);
+  machine->addProgram("shell", "/bin/sh");
+  TLProcessArguments arguments;
+  arguments.append("-c", "i=0; while [ $i -lt 300 ]; do echo $i; sleep 0.001; i=$((i+1)); done");
+  std::int32_t task = 0;
+  ASSERT_EQ(TL_virtual_machine_spawn(machine->hostName(), "shell", arguments, task), 0);
+  int reads = 0;
+  EXPECT_TRUE(waitUntil([&] {
+    ++reads;
+    TL_virtual_machine_receive_nowait(-1, 999999);
+    usleep(50000);
+    std::fflush(output);
+    std::string text(10000, '\0');
+    const auto size = pread(fileno(output), text.data(), text.size(), 0);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return text.find("EOF") != std::string::npos;
+  }));
+  EXPECT_LT(reads, 150);
+  TL_virtual_machine_catchout(nullptr);
+  std::fclose(output);
+}
+
 TEST_F(RealVirtualMachine, TellsWhyASpawnFailed) {
   struct Case {
     RWCString host, executable;
