@@ -66,6 +66,13 @@ foreach(page ${TL_MANUAL})
   endif()
 endforeach()
 
+install(FILES share/completion/tlctl.bash DESTINATION /usr/share/bash-completion/completions
+  RENAME tlctl COMPONENT tools EXCLUDE_FROM_ALL)
+install(FILES share/completion/tlctl.zsh DESTINATION /usr/share/zsh/vendor-completions
+  RENAME _tlctl COMPONENT tools EXCLUDE_FROM_ALL)
+install(FILES share/completion/tlctl.fish DESTINATION /usr/share/fish/vendor_completions.d
+  COMPONENT tools EXCLUDE_FROM_ALL)
+
 # Documents, and the sources of the examples to read and to begin with.
 install(DIRECTORY docs DESTINATION /usr/share/doc/tltaskmgr COMPONENT daemon EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")

@@ -8,6 +8,7 @@
 #include "platform/TLHostForm.h"
 #include "tool/TLBalanceCommand.h"
 #include "tool/TLCommands.h"
+#include "tool/TLCompletion.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLFileReport.h"
 
@@ -142,5 +143,9 @@ int TLCommandLine::run(int argc, const char* const* argv) {
 
 int runTool(int argc, char** argv) {
   TL_virtual_machine_allow(false);  // until a command has found a machine to join
-  return TLCommandLine().run(argc, argv);
+  TLCommandLine line;
+  if (argc > 1 && std::string_view(argv[1]) == "complete") {  // for shells alone: no help tells it
+    return printCompletions(line.app(), std::vector<std::string>(argv + 2, argv + argc));
+  }
+  return line.run(argc, argv);
 }
