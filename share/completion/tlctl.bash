@@ -20,11 +20,10 @@ _tlctl() {
   COMPREPLY=()
   for word in "${lines[@]}"; do
     about=${word#*$'\t'} word=${word%%$'\t'*}
-    # A path is quoted by the shell, and one that goes on gets no blank.
+    # With paths the shell sees to quotes, and to the "/" of a directory.
     case $word in
-      -*) ;;
-      */) compopt -o filenames -o nospace ;;
-      */* | *.*) compopt -o filenames ;;
+      */* | *.*) compopt -o filenames; word=${word%/} ;;
+      *" "*) printf -v word %q "$word" ;;
     esac
     # Positions of steps say little alone: in a list their names stand behind them.
     if [[ $word =~ ^[0-9]+$ && ${#lines[@]} -gt 1 && $COMP_TYPE != 37 ]]; then

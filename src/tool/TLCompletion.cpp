@@ -9,11 +9,11 @@
 #include <utility>
 
 #include "platform/TLHostForm.h"
+#include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
 #include "tool/TLExitCode.h"
 #include "tool/TLSteeringSettings.h"
 #include "tool/TLTaskFile.h"
-#include "tool/TLTerminal.h"
 #include "tool/TLToolEnvironment.h"
 
 namespace fs = std::filesystem;
@@ -310,7 +310,8 @@ Candidates TLCompletion::settings(const Line& line, std::string_view begin) cons
     if (files[i].empty() || (!line.step.empty() && line.step != std::to_string(i))) continue;
     const auto set = readSteeringSet(files[i], ignored);
     if (!set) continue;
-    for (const auto& setting : TLSteeringSettings(set).all()) {
+    const TLSteeringSettings changeable(set);
+    for (const auto& setting : changeable.all()) {
       add(list, begin, setting.name, fmt::format("{} {}", setting.kind, setting.value()));
     }
   }

@@ -1,0 +1,94 @@
+#include "tool/TLCompletion.h"
+
+#include <gmock/gmock.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "tool/TLCommandLine.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAreArray;
+
+class Completion : public ::testing::Test {
+ protected:
+  Completion()
+      : directory_(fs::temp_directory_path() / ("tl-complete-" + std::to_string(getpid()))) {
+    fs::create_directories(directory_ / "sub");
+    write("heat.task", "TL_BEGIN task\nTL_END task\n");
+    write("heat.steering", "TL_BEGIN TL_steering_parameter\n");
+    write("notes.txt", "TL\n");
+    write("second.task", "TL_BEGIN task\nTL_END task\n");
+    addDaemon(7, directory_ / "heat.task", "plate");
+    addDaemon(8, directory_ / "second.task", "twice");
+    addDaemon(9, directory_ / "second.task", "twice");
+  }
+  ~Completion() override { fs::remove_all(directory_); }
+
+  void write(const std::string& name, const std::string& text) const {
+    std::ofstream(directory_ / name) << text;
+  }
+
+  // Daemons of other hosts count as live.
+  void addDaemon(int tid, const fs::path& file, const std::string& name) const {
+    TLRunState state;
+    state.tid = tid;
+    state.pid = tid;
+    state.host = "elsewhere";
+    state.taskFile = file;
+    state.taskName = name;
+    state.steps.resize(2);
+    state.steps[0].name = "MESH";
+    state.steps[1].name = "SOLVER";
+    ASSERT_EQ(state.save(directory_), 0);
+  }
+
+  std::vector<std::string> words(const std::vector<std::string>& line) const {
+    std::vector<std::string> found;
+    for (const auto& candidate : TLCompletion(line_.app(), directory_).candidates(line)) {
+      found.push_back(candidate.word);
+    }
+    return found;
+  }
+
+  fs::path directory_;
+  mutable TLCommandLine line_;
+};
+
+TEST_F(Completion, OffersWhatFits) {
+  const std::string in = directory_.string() + "/";
+  const struct {
+    std::vector<std::string> line;
+    std::vector<std::string> offered;
+  } cases[] = {
+      {{"sta"}, {"start", "status"}},
+      {{"--ver"}, {"--version"}},
+      {{"nonsense", ""}, {}},
+      {{"stop", "--st"}, {"--step"}},
+      {{"balance", "--method", "m"}, {"metis"}},
+      {{"balance", "--method=m"}, {"--method=metis"}},
+      {{"rewrite", "s"}, {"steering"}},
+      {{"run", in}, {in + "heat.task", in + "second.task", in + "sub/"}},
+      {{"run", "--interval", "9", "--", in + "h"}, {in + "heat.task"}},
+      {{"run", "--tools", in}, {in + "sub/"}},
+      {{"plot", in + "h"}, {in + "heat.steering"}},
+      {{"rewrite", "steering", in}, {in + "heat.steering", in + "sub/"}},
+      {{"rewrite", "steering", in + "heat.steering", in + "n"}, {in + "notes.txt"}},
+      {{"status", "p"}, {"plate"}},
+      {{"status", in}, {in + "heat.task"}},  // the other file doesn't tell which daemon
+      {{"status", ""}, {in + "heat.task", "8", "9"}},
+      {{"stop", "plate", "--step", ""}, {"0", "1"}},
+      {{"stop", "plate", "--step", "SO"}, {"1"}},
+      {{"stop", "twice", "--step", ""}, {}},  // more than one fits
+      {{"steer", "plate", "g"}, {"get"}},
+      {{"units", ""}, {}},
+  };
+  for (const auto& one : cases) {
+    EXPECT_THAT(words(one.line), ElementsAreArray(one.offered)) << testing::PrintToString(one.line);
+  }
+}
+
+}  // namespace
