@@ -41,7 +41,7 @@ std::size_t countLines(const std::string& file) {
   return bytes;
 }
 
-bool measure(const std::string& name, RunFileOptions options, const TTempDir& dir) {
+bool measure(const std::string& name, const RunFileOptions& options, const TTempDir& dir) {
   const std::string file = dir.file(name + ".run");
   {
     std::ofstream out(file, std::ios::binary);

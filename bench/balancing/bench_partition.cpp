@@ -208,9 +208,14 @@ void compareWithPeers(const Shape& shape, const Peers& peers, double mostTimes) 
   const TLPartitionGraph graph = graphOf(mesh);
   fmt::print("\n{} blocks on {} processors\n", shape.nbBlocks(), shape.processors);
   const Result metis = peers.metis(graph, shape.processors);
-  printRow("distribution", ours(mesh, shape.processors, 3), metis.seconds, graph, shape.processors);
+  const Result distribution = ours(mesh, shape.processors, 3);
+  printRow("distribution", distribution, metis.seconds, graph, shape.processors);
   printRow("gpmetis", metis, metis.seconds, graph, shape.processors);
   printRow("gpart", peers.scotch(graph, shape.processors), metis.seconds, graph, shape.processors);
+  if (mostTimes > 0 && metis.seconds > 0) {
+    fmt::print("  at most {} x gpmetis: {}\n", mostTimes,
+               held(distribution.seconds <= mostTimes * metis.seconds));
+  }
 }
 
 void compareWithPlain(const Shape& shape, double leastTimes) {
@@ -218,9 +223,11 @@ void compareWithPlain(const Shape& shape, double leastTimes) {
   const Result fast = ours(mesh, shape.processors, 3);
   const Result slow = plain(mesh, shape.processors);
   fmt::print(
-      "\n{} blocks on {} processors: {:.4f} s, plain form {:.2f} s: {:.0f} times faster, {}\n",
+      "\n{} blocks on {} processors: {:.4f} s, plain form {:.2f} s: {:.0f} times faster, at least "
+      "{}: "
+      "{}, same trace: {}\n",
       shape.nbBlocks(), shape.processors, fast.seconds, slow.seconds, slow.seconds / fast.seconds,
-      fast.trace == slow.trace ? "same trace" : "ANOTHER TRACE");
+      leastTimes, held(slow.seconds >= leastTimes * fast.seconds), held(fast.trace == slow.trace));
 }
 
 void growth(int processors) {

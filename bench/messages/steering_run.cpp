@@ -140,7 +140,7 @@ int measure() {
                                       std::filesystem::read_symlink("/proc/self/exe"));
   const auto file = VirtualMachine::shared().directory() / "run.steering";
   std::ofstream(file) << steeringText();
-  std::ofstream(file.string() + ".binary");
+  const std::ofstream values(file.string() + ".binary");  // empty
   const auto argument = [](const std::string& type, const std::string& value) {
     return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value +
            "\n    TL_END process_argument\n";

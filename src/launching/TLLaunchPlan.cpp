@@ -205,7 +205,7 @@ TLLaunchPlan planLaunch(const TLSubTask& step, bool win32, const TLLaunchSite& s
 TLRunFileFacts readRunFileFacts(const RWCString& path, bool unstructuredTables,
                                 std::int32_t& blocks) {
   const auto file = makeRunFile();
-  const TLRunFileFacts facts = file->read(path, unstructuredTables);
+  TLRunFileFacts facts = file->read(path, unstructuredTables);
   blocks = file->blockCount();
   return facts;
 }

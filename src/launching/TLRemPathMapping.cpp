@@ -67,7 +67,8 @@ RWCString TLRemPathMapping::join(const std::vector<RWCString>& components, std::
 
 bool TLRemPathMapping::mapPath(const RWCString& path, const RWCString& hostName,
                                RWCString& result) {
-  const RWCString original = path;  // `result` may be the same string
+  // `result` may be the same string.
+  const RWCString original = path;  // NOLINT(performance-unnecessary-copy-initialization)
   if (logEnabled_ != 0) {
     logStream_ << presentTime() << "MAP '" << original << "' -> " << hostName << '\n';
   }

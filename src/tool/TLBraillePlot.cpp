@@ -39,7 +39,7 @@ std::string TLBraillePlot::coloured(const std::string& text, int number) const {
 
 void TLBraillePlot::setDot(Grid& grid, int column, int row, int number) const {
   if (column < 0 || row < 0 || column >= columns_ * kDotColumns || row >= rows_ * kDotRows) return;
-  Cell& cell = grid[static_cast<std::size_t>(row / kDotRows * columns_ + column / kDotColumns)];
+  Cell& cell = grid[cellIndex(row / kDotRows, column / kDotColumns)];
   cell.dots |= kDots[static_cast<std::size_t>(column % kDotColumns)]
                     [static_cast<std::size_t>(row % kDotRows)];
   cell.series = number;
@@ -80,7 +80,7 @@ std::string TLBraillePlot::rowText(const Grid& grid, int row) const {
   std::string run;
   int series = -1;
   for (int column = 0; column < columns_; ++column) {
-    const Cell& cell = grid[static_cast<std::size_t>(row * columns_ + column)];
+    const Cell& cell = grid[cellIndex(row, column)];
     if (cell.series != series && cell.dots != 0) {
       text += coloured(run, series);
       run.clear();
@@ -92,7 +92,7 @@ std::string TLBraillePlot::rowText(const Grid& grid, int row) const {
 }
 
 std::string TLBraillePlot::legend(const std::vector<TLPlotSeries>& series) const {
-  const auto room = static_cast<std::size_t>(columns_ + kScaleColumns);
+  const auto room = static_cast<std::size_t>(columns_) + kScaleColumns;
   std::string text;
   std::size_t used = 0;
   for (std::size_t i = 0; i < series.size(); ++i) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,11 @@ class TLBraillePlot {
   std::string coloured(const std::string& text, int number) const;
   std::string rowText(const Grid& grid, int row) const;
   std::string legend(const std::vector<TLPlotSeries>& series) const;
+
+  std::size_t cellIndex(int row, int column) const {
+    return static_cast<std::size_t>(row) * static_cast<std::size_t>(columns_) +
+           static_cast<std::size_t>(column);
+  }
 
   int columns_;  ///< of the plot itself, without the scale
   int rows_;
