@@ -13,7 +13,7 @@
 namespace {
 
 constexpr auto kProgressInterval = std::chrono::seconds(1);
-constexpr auto kRecordInterval = std::chrono::seconds(5);
+constexpr auto kRecordInterval = std::chrono::seconds(2);
 
 double secondsNow() {
   using std::chrono::duration;

@@ -120,7 +120,12 @@ void TLKeptRun::keepLog(const std::string& directory) {
     text->erase(0, line == std::string::npos ? text->size() - kLongestLog : line + 1);
   }
   const std::string copy = logName(directory, run.taskFile);
-  if (hostForm().replaceFile(copy, *text) == 0) run.logFile = copy;
+  if (hostForm().replaceFile(copy, *text) != 0) return;
+  for (auto& step : run.steps) {  // reasons name the log that goes
+    const auto place = step.reason.find(run.logFile);
+    if (place != std::string::npos) step.reason.replace(place, run.logFile.size(), copy);
+  }
+  run.logFile = copy;
 }
 
 std::optional<TLKeptRun> TLKeptRun::load(const std::string& path) {

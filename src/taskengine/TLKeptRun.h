@@ -41,8 +41,8 @@ class TLKeptRun {
 
   /// Writes the record; 0 or an errno.
   int save(const std::string& directory) const;
-  /// Copies the end of the run's log beside the record and has the record name the copy. Nothing
-  /// when there is no log.
+  /// Copies the end of the run's log beside the record and has the record name the copy, its
+  /// reasons included. Nothing when there is no log.
   void keepLog(const std::string& directory);
   /// Reads a record; none when it isn't there or is none.
   static std::optional<TLKeptRun> load(const std::string& path);

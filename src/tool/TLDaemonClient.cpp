@@ -139,13 +139,20 @@ bool TLDaemonClient::send(std::int32_t code, std::int32_t value) {
 }
 
 bool TLDaemonClient::poll(Seconds patience) {
+  return beginPoll() && waitFor([this] { return pollAnswered(); }, patience);
+}
+
+bool TLDaemonClient::pollAnswered() const {
+  return std::ranges::count(answered_, TL_MSG_STATUS) > 0;
+}
+
+bool TLDaemonClient::beginPoll() {
   TLProcessMessage question;
   question.tag = TL_MSG_STATUS;
   question.destination = tid_;
   if (mirror_ != nullptr) mirror_->addTo(question);
   std::erase(answered_, TL_MSG_STATUS);
-  return question.send() &&
-         waitFor([&] { return std::ranges::count(answered_, TL_MSG_STATUS) > 0; }, patience);
+  return question.send();
 }
 
 bool TLDaemonClient::sendSettings(const Handle<TLSteeringParameters>& set) {

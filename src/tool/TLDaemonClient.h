@@ -34,6 +34,9 @@ class TLDaemonClient {
   /// Asks for the statuses and waits for the answer. False when none came in time or the daemon is
   /// gone; end reports that came meanwhile are kept in any case.
   bool poll(Seconds patience);
+  /// Asks for the statuses and goes on; receiveWaiting() takes the answer in.
+  bool beginPoll();
+  bool pollAnswered() const;
   /// The statuses of the last answer, one per step.
   const std::vector<std::int32_t>& statuses() const { return statuses_; }
 

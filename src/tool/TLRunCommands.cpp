@@ -7,6 +7,7 @@
 #include <memory>
 
 #include "platform/TLHostForm.h"
+#include "taskengine/TLKeptRun.h"
 #include "tool/TLAnswer.h"
 #include "tool/TLCommand.h"
 #include "tool/TLCommands.h"
@@ -48,13 +49,6 @@ void declareInterval(CLI::App& app, RunOptions& options) {
       ->capture_default_str();
 }
 
-std::string stateFileOf(const TLToolEnvironment& environment, std::int32_t tid) {
-  for (const auto& state : TLDaemonFinder(environment.userDirectory()).live()) {
-    if (state.tid == tid) return TLRunState::fileName(environment.userDirectory(), state.pid);
-  }
-  return {};
-}
-
 struct EndWords {
   TLTaskFollower::End end;
   const char* word;  ///< in JSON
@@ -84,16 +78,32 @@ void sayHowItEnded(const RunOptions& options, TLTaskFollower::End end, const std
   }
 }
 
-int answerOf(const RunOptions& options, TLTaskFollower::End end, const TLTaskFollower& follower) {
+// What ran where, how long, how it ended, and why not.
+void printSummary(const TLRunState& run) {
+  const TLTerminal terminal;
+  const double took = run.started > 0 ? secondsNow() - run.started : 0;
+  fmt::print(
+      "\n{}\n{}",
+      terminal.bold(fmt::format("{}: {}, {}", run.taskName, countText(run), durationText(took))),
+      statusTable(run, terminal));
+  const bool remarks =
+      std::ranges::any_of(run.steps, [](const auto& step) { return !step.reason.empty(); });
+  if (remarks) {
+    fmt::print("\nFor all of it: tlctl report {} -o report.html\n", run.taskFile);
+  }
+}
+
+int answerOf(const RunOptions& options, TLTaskFollower::End end, const TLTaskFollower& follower,
+             const TLRunState& run) {
   const auto* words = std::find_if(std::begin(kEndWords), std::end(kEndWords),
                                    [&](const EndWords& one) { return one.end == end; });
   const bool left = end == TLTaskFollower::End::interrupted;
   if (options.json) {
-    auto body = statusJson(follower.run());
+    auto body = statusJson(run);
     body["end"] = words->word;
     printAnswer(options.command, std::move(body));
   } else if (!left && end != TLTaskFollower::End::noStart) {
-    fmt::print("\n{}", statusTable(follower.run(), TLTerminal()));
+    printSummary(run);
   }
   return left || follower.allOk() ? TLExitCode::kOk : TLExitCode::kStepFailed;
 }
@@ -104,17 +114,22 @@ int followAndEnd(const RunOptions& options, const TLToolEnvironment& environment
                  TLSteeringMirror* mirror = nullptr) {
   std::signal(SIGINT, markInterrupt);
   std::signal(SIGTERM, markInterrupt);
-  TLTaskFollower follower(client, run, stateFileOf(environment, client.tid()));
+  const std::string& directory = environment.userDirectory();
+  TLTaskFollower follower(client, run, {directory, TLKeptRun::fileName(directory, run.taskFile)});
   if (options.json) follower.keepOutputFree();
   if (mirror != nullptr) follower.showResiduals(*mirror);
   const auto end = follower.follow(std::chrono::milliseconds(options.intervalMs), gInterrupted);
   sayHowItEnded(options, end, run.taskFile, client.startError());
   left = end == TLTaskFollower::End::interrupted;
+  TLRunState last = follower.run();
   if (end == TLTaskFollower::End::allEnded && endDaemon) {
     client.send(TL_MSG_EXIT);
-    client.waitGone(kEndPatience);
+    // The log is another file then, and reasons name it.
+    const bool gone = client.waitGone(kEndPatience);
+    const auto kept = TLKeptRun::load(TLKeptRun::fileName(directory, run.taskFile));
+    if (gone && kept && kept->run.pid == last.pid) last = kept->run;
   }
-  return answerOf(options, end, follower);
+  return answerOf(options, end, follower, last);
 }
 
 int runTask(const RunOptions& options) {

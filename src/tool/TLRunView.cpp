@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
+#include <cmath>
 
 #include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
@@ -51,8 +53,42 @@ double elapsedOf(const TLRunStateStep& step, double now) {
   return std::max(0.0, (step.ended > 0 ? step.ended : now) - step.started);
 }
 
+std::string progressText(const TLRunStateStep& step) {
+  std::string text;
+  if (step.iteration > 0) text = fmt::format("iteration {}", step.iteration);
+  if (step.iteration > 0 && step.iterationsAsked > 0) {
+    text += fmt::format(" of {} ({:.0f} %)", step.iterationsAsked,
+                        100.0 * step.iteration / step.iterationsAsked);
+  }
+  // One is enough to see whether it converges: the first that can be put into orders.
+  const auto falling = std::ranges::find_if(
+      step.residuals, [](const auto& one) { return one.first > 0 && one.last > 0; });
+  const auto shown = falling == step.residuals.end() ? step.residuals.begin() : falling;
+  if (shown == step.residuals.end()) return text;
+  text += fmt::format("{}{} {:.2e}", text.empty() ? "" : ", ", shown->name, shown->last);
+  if (falling == step.residuals.end()) return text;
+  const double orders = std::log10(shown->first / shown->last);
+  return text + fmt::format(" ({:.1f} orders {})", std::abs(orders), orders < 0 ? "up" : "down");
+}
+
 std::string placeAndReason(const TLRunStateStep& step) {
-  return step.host + jobText(step) + (step.reason.empty() ? "" : ": " + step.reason);
+  // Most reasons name the host themselves.
+  const bool named = step.reason.find("host " + step.host) != std::string::npos;
+  const std::string what = step.reason.empty() ? progressText(step) : step.reason;
+  const std::string place = named ? std::string() : step.host + jobText(step);
+  return place + (place.empty() || what.empty() ? "" : ": ") + what;
+}
+
+std::string countText(const TLRunState& state) {
+  std::array<std::size_t, 6> counts{};
+  for (const auto& step : state.steps)
+    ++counts[static_cast<std::size_t>(std::clamp(step.status, 0, 5))];
+  std::string text = fmt::format("{} of {} steps finished ok", counts[2], state.steps.size());
+  for (const std::int32_t status : {3, 4, 5, 1, 0}) {
+    const std::size_t count = counts[static_cast<std::size_t>(status)];
+    if (count > 0) text += fmt::format(", {} {}", count, statusText(status));
+  }
+  return text;
 }
 
 std::string statusTable(const TLRunState& state, const TLTerminal& terminal) {

@@ -14,8 +14,15 @@
 /// Seconds that a step has taken so far, or took; 0 before its start.
 double elapsedOf(const TLRunStateStep& step, double now);
 
-/// "host, job 17 qw: why it ended", as much of it as there is.
+/// "iteration 1200 of 20000 (6 %), residual 2.0e-05 (6.5 orders down)", as much of it as is known.
+std::string progressText(const TLRunStateStep& step);
+
+/// "host, job 17 qw: why it ended", as much of it as there is; for a step without a reason how
+/// far it came.
 std::string placeAndReason(const TLRunStateStep& step);
+
+/// "2 of 3 steps finished ok, 1 crashed".
+std::string countText(const TLRunState& state);
 
 /// A line for each step: position, name, status, time, host and why it ended.
 std::string statusTable(const TLRunState& state, const TLTerminal& terminal);

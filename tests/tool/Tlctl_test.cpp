@@ -1,9 +1,15 @@
 // tlctl as a user runs it: the installed program, its own virtual machine, real daemons and tools.
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <chrono>
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -137,11 +143,17 @@ TEST_F(Tlctl, RunsATaskToItsEndAndLeavesNothingBehind) {
 
 TEST_F(Tlctl, TellsWhyAStepDied) {
   const std::string task =
-      writeTask(step("SOLVE", "velstraTurbo", {"started", "error negative volume", "die SEGV"}));
+      writeTask(step("SOLVE", "velstraTurbo",
+                     {"started", "error negative volume", "print last words", "die SEGV"}));
   const Answer answer = run({"run", "--tools", directory_ / "tools", "--interval", "50", task});
   EXPECT_EQ(answer.code, 1);
-  EXPECT_THAT(answer.text, HasSubstr("negative volume"));
-  EXPECT_THAT(answer.text, HasSubstr("crashed"));
+  EXPECT_THAT(answer.text, HasSubstr("SOLVE: negative volume"));
+  EXPECT_THAT(answer.text, HasSubstr("0 of 1 steps finished ok, 1 crashed"));
+  EXPECT_THAT(answer.text, HasSubstr("ended by signal 11 (SIGSEGV, bad memory access) on host"));
+  const auto log = answer.text.rfind("; log: ");
+  ASSERT_NE(log, std::string::npos) << answer.text;
+  const std::string path = answer.text.substr(log + 7, answer.text.find('\n', log) - log - 7);
+  EXPECT_THAT(textOf(path), HasSubstr("last words")) << "kept for later";
 }
 
 TEST_F(Tlctl, TalksToADaemonThatWasLeft) {
@@ -169,6 +181,102 @@ TEST_F(Tlctl, TalksToADaemonThatWasLeft) {
   EXPECT_EQ(run({"attach", "some task"}).code, 1);
   EXPECT_EQ(run({"exit"}).code, 0);
   EXPECT_EQ(run({"status"}).code, 3);
+}
+
+// What a program shows on a terminal of its own.
+class Terminal {
+ public:
+  Terminal(const std::vector<std::string>& words,
+           const std::map<std::string, std::string>& environment, int rows, int columns) {
+    winsize size{};
+    size.ws_row = static_cast<unsigned short>(rows);
+    size.ws_col = static_cast<unsigned short>(columns);
+    pid_ = forkpty(&descriptor_, nullptr, nullptr, &size);
+    if (pid_ == 0) {
+      for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
+      std::vector<char*> argv;
+      for (const auto& word : words) argv.push_back(const_cast<char*>(word.c_str()));
+      argv.push_back(nullptr);
+      execv(argv[0], argv.data());
+      _exit(127);
+    }
+    fcntl(descriptor_, F_SETFL, O_NONBLOCK);
+  }
+  ~Terminal() {
+    if (pid_ > 0 && !ended()) kill(pid_, SIGKILL);
+    close(descriptor_);
+  }
+
+  void press(char key) const { EXPECT_EQ(write(descriptor_, &key, 1), 1); }
+  void resize(int rows, int columns) {
+    winsize size{};
+    size.ws_row = static_cast<unsigned short>(rows);
+    size.ws_col = static_cast<unsigned short>(columns);
+    ioctl(descriptor_, TIOCSWINSZ, &size);
+    text_.clear();
+  }
+  // All that was shown since the start, or since it was resized.
+  const std::string& text() {
+    char buffer[4096];
+    for (ssize_t n = 0; (n = read(descriptor_, buffer, sizeof buffer)) > 0;) {
+      text_.append(buffer, static_cast<std::size_t>(n));
+    }
+    return text_;
+  }
+  bool ended() { return code_ >= 0 || waitpid(pid_, &code_, WNOHANG) == pid_; }
+  int code() const { return code_; }
+
+ private:
+  pid_t pid_ = -1;
+  int descriptor_ = -1;
+  int code_ = -1;
+  std::string text_;
+};
+
+TEST_F(Tlctl, KeepsALineForEachStepOnATerminal) {
+  const fs::path steering = directory_ / "some.steering";
+  std::ofstream(steering) << " VERSION 1.0\n TL_BEGIN TL_steering_parameter\n  VERSION 2.0\n"
+                             "  NAME rms\n TL_END TL_steering_parameter\n";
+  std::ofstream(steering.string() + ".binary");
+  std::string solver =
+      step("SOLVE", "velstraTurbo",
+           {"started", "text reading \x1b[31mthe mesh", "values rms 1 1 250 0.01", "wait 120"});
+  solver.insert(solver.find(" TL_END process_arguments"),
+                "  TL_BEGIN process_argument\n   TYPE -iterations\n   VALUE 1000\n"
+                "  TL_END process_argument\n  TL_BEGIN process_argument\n   TYPE -steering\n"
+                "   VALUE " +
+                    steering.string() + "\n  TL_END process_argument\n");
+  const std::string task = writeTask(solver + step("NEXT", "nexttool", {"exit 0"}));
+  auto environment = environment_;
+  environment["TERM"] = "xterm";
+  Terminal terminal({directory_ / "suite/mire71/bin/tlctl", "run", "--tools", directory_ / "tools",
+                     "--interval", "50", task},
+                    environment, 30, 120);
+  const auto shows = [&](const char* text) {
+    return wait([&] { return terminal.text().find(text) != std::string::npos; });
+  };
+  EXPECT_TRUE(
+      shows("iteration 250 of 1000 (25 %), rms 1.00e-02 (2.0 orders down)  reading  [31mthe"))
+      << terminal.text();
+  EXPECT_TRUE(shows("\u25CB NEXT  pending")) << terminal.text();
+  terminal.press('p');
+  EXPECT_TRUE(shows("1.0e-02 |")) << terminal.text();
+  terminal.resize(30, 40);
+  EXPECT_TRUE(shows("\u25B6 SOLVE running")) << terminal.text();
+  terminal.resize(30, 40);  // what follows is all of that size
+  EXPECT_TRUE(shows("NEXT")) << terminal.text();
+  std::istringstream lines(terminal.text());
+  for (std::string line; std::getline(lines, line);) {
+    const auto continued = [](unsigned char c) { return (c & 0xC0U) == 0x80U; };
+    line.erase(0, line.find("\x1b[J") == std::string::npos ? 0 : line.find("\x1b[J") + 3);
+    EXPECT_LE(static_cast<long>(line.size()) - std::ranges::count_if(line, continued), 40) << line;
+  }
+  terminal.press('q');
+  EXPECT_TRUE(wait([&] { return terminal.ended(); }));
+  EXPECT_EQ(terminal.code(), 0);
+  EXPECT_THAT(terminal.text(), HasSubstr("tlctl attach"));
+  EXPECT_EQ(run({"stop"}).code, 0);
+  EXPECT_EQ(run({"exit"}).code, 0);
 }
 
 TEST_F(Tlctl, AnswersWrongUseWithTwoAndNobodyThereWithThree) {
