@@ -21,14 +21,14 @@ configure_file(share/suite/settings.ini.in settings.ini @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION . COMPONENT staged)
 
 # What an installation needs, without tests and benchmarks.
-add_custom_target(suite DEPENDS tltaskmgr tlctl)
+add_custom_target(suite DEPENDS tltaskmgr tlctl killsem)
 foreach(tool heatmesh velstraTurbo velstraTurbo_mpi heatpicture tlfaketool)
   if(TARGET ${tool})
     add_dependencies(suite ${tool})
   endif()
 endforeach()
 
-install(TARGETS tltaskmgr DESTINATION ${TL_BIN_DIR})
+install(TARGETS tltaskmgr killsem DESTINATION ${TL_BIN_DIR})
 install(TARGETS tlctl DESTINATION ${TL_BIN_DIR} COMPONENT tools)
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")
@@ -37,6 +37,8 @@ install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
 if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)
   install(DIRECTORY share/bin/ DESTINATION ${TL_BIN_DIR} USE_SOURCE_PERMISSIONS)
 endif()
+
+install(DIRECTORY share/man DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
 
 # The script libraries, under the names that the suite has always used and under their own.
 find_path(TL_TCL_SCRIPTS init.tcl PATHS /usr/share/tcltk/tcl8.6 /usr/lib/tcl8.6 REQUIRED)

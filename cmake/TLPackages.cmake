@@ -45,7 +45,7 @@ file(WRITE ${PROJECT_BINARY_DIR}/package/conffiles "/etc/tltaskmgr/settings.ini\
 # The programs on everybody's path.
 file(GLOB TL_SHARED_PROGRAMS CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/share/bin
   ${PROJECT_SOURCE_DIR}/share/bin/*)
-foreach(program tltaskmgr ${TL_SHARED_PROGRAMS})
+foreach(program tltaskmgr killsem ${TL_SHARED_PROGRAMS})
   tl_package_link(daemon /usr/bin/${program} ../lib/tltaskmgr/${TL_BIN_DIR}/${program})
 endforeach()
 tl_package_link(tools /usr/bin/tlctl ../lib/tltaskmgr/${TL_BIN_DIR}/tlctl)
