@@ -51,9 +51,7 @@ void TLCarryList::message(const RWCString& phrase, bool update) {
 }
 
 void TLCarryList::word(const RWCString& text) {
-  TLCarryAction& action = add(TLCarryAction::Kind::message);
-  action.text = messageLine(text);
-  action.update = true;
+  add(TLCarryAction::Kind::message).text = messageLine(text);
 }
 
 void TLCarryList::print(const RWCString& text) {
