@@ -7,14 +7,15 @@ proc task_update {} {}
 proc get_task_name {} { return "wing at 12 degrees" }
 proc exit_taskmanagerc {} { exit }
 
-proc step {name status host began took {reason ""}} {
+# `more` are further lines of the step's JSON.
+proc step {name status host began took {reason ""} {more ""}} {
   set now [clock seconds]
   set started [expr {$began < 0 ? 0 : $now - $began}]
   if {![info exists ::first]} { set ::first [expr {$started - 1}] }
   set ended [expr {$took < 0 ? 0 : $started + $took}]
   return [format {{"name":"%s","executable":"","host":"%s","status":%d,"started":%d,"ended":%d,
-    "reason":"%s"}} \
-              $name $host $status $started $ended $reason]
+    "reason":"%s"%s}} \
+              $name $host $status $started $ended $reason $more]
 }
 
 proc record {args} {
@@ -49,12 +50,22 @@ proc residuals {count} {
   }
 }
 
+# The window of a start-up name whose script is to be put in place: its layer is that stand-in.
+proc placeholder {} {}
+# The window with its keys.
+proc keys {} {
+  running
+  after 500 ::look::showKeys
+}
 proc waiting {} {
-  record [step MESH 1 node17 4 -1] [step VELSTRA 0 node18 -1 -1] [step PICTURES 0 node17 -1 -1]
-  say "Try to spawn igg on node17, OS UNIX" start_status_ok
+  record [step MESH 1 node17 64 -1 "" {,"job":4711,"queue_state":"qw"}] \
+      [step VELSTRA 0 node18 -1 -1] [step PICTURES 0 node17 -1 -1]
+  say "Try to spawn igg on node17, OS UNIX"
 }
 proc running {} {
-  record [step MESH 2 node17 184 62] [step VELSTRA 1 node18 121 -1] [step PICTURES 0 node17 -1 -1]
+  record [step MESH 2 node17 184 62] \
+      [step VELSTRA 1 node18 121 -1 "" {,"iteration":412,"iterations_asked":1200,
+        "last_text":"full multigrid: level 2 of 3"}] [step PICTURES 0 node17 -1 -1]
   say "Try to spawn igg on node17, OS UNIX" start_status_ok "mesh: 1 204 224 cells in 48 blocks" \
       "Transfering project to host: node18, OS: UNIX" "Transfer completed ! \n" \
       "Try to spawn velstra on node18, OS UNIX" start_status_ok "FLOW SOLVER STARTED" \
@@ -65,8 +76,11 @@ proc running {} {
 }
 proc crashed {} {
   record [step MESH 2 node17 184 62] \
-      [step VELSTRA 4 node18 121 88 "negative temperature in block 17 at iteration 263"] \
-      [step PICTURES 3 node17 33 0 "its input is missing"]
+      [step VELSTRA 4 node18 121 88 "ended by signal 11 (SIGSEGV, bad memory access) on host node18\
+        and never said that it was done; it had reported: negative temperature in block 17 at\
+        iteration 263; log: /data/wing/wing.std"] \
+      [step PICTURES 3 node17 33 0 "never started on host node17: cfview cannot be found in its\
+        directories for programs"]
   say start_status_ok "FLOW SOLVER STARTED" "full multigrid: level 2 of 3" "FLOW SOLVER CRASHED" \
       ___________CANNOT_SPAWN
   log 263
@@ -86,6 +100,6 @@ proc finished {} {
 source $layer
 after 200 $scene
 after 2500 {
-  exec import -window root -crop 1100x760+0+0 $picture
+  exec import -window root -crop [winfo width .]x[winfo height .]+0+0 -strip +dither -colors 255 png8:$picture
   exit
 }

@@ -57,6 +57,7 @@ void TLTaskChildren::superviseOnce() {
     if (wasRunning[static_cast<std::size_t>(i)] != 0) checkEndedInCycle(*subTask(i), i);
   }
   if (isEndedMarineTask()) {
+    explainEnds();
     exitTaskManager();
     return;
   }

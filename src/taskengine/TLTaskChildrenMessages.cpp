@@ -110,6 +110,7 @@ void TLTaskChildren::stopWholeTask() {
 }
 
 void TLTaskChildren::exit(TLProcessMessage& /*message*/) {
+  explainEnds();
   exitTaskManager();
 }
 

@@ -131,15 +131,30 @@ TEST_F(TaskDaemonLayerTest, stepsComeFromTheRecordOfTheRun) {
   std::ofstream(record) << R"({"version":1,"log_file":")" << (directory_ / "catchout").string()
                         << R"(","host":"node17","task_file":"/a/plate.tsk","started":0.5,"steps":[
     {"name":"MESH","host":"node17","status":2,"started":1.5,"ended":63.25,"reason":""},
+    {"name":"FAR","host":"node18","status":1,"started":63,"ended":0,"reason":"","last_text":"hello",
+     "iteration":7,"iterations_asked":20,"silent_since":86400,
+     "transfer":{"direction":"from","host":"node18","file":"/x/a.cgns","number":2,"count":3,
+                 "bytes":50,"total":200,"problem":"","kept_directory":"/tmp/kept"}},
     {"name":"A \"b\" {c} é \\","host":"node18","status":4,"started":63,"ended":64,
      "reason":"killed by signal 9\nsee run.std"}]})";
-  EXPECT_TRUE(until("[llength [$::taskWindow::list children {}]] == 2"));
+  EXPECT_TRUE(until("[llength [$::taskWindow::list children {}]] == 3"));
   EXPECT_EQ(value("lindex [$::taskWindow::list item 0 -values] 4"), "0:01:01");
-  EXPECT_EQ(value("lindex [$::taskWindow::list item 1 -values] 0"), "A \"b\" {c} é \\");
-  EXPECT_THAT(reports(), HasSubstr("has crashed on node18: killed by signal 9"));
-  EXPECT_THAT(value(".header.what cget -text"), HasSubstr("2 steps: 1 finished, 1 crashed"));
+  EXPECT_EQ(value("lindex [$::taskWindow::list item 2 -values] 0"), "A \"b\" {c} é \\");
+  EXPECT_THAT(reports(), HasSubstr("Step 3, A \"b\" {c} é \\, has crashed: killed by signal 9"));
+  EXPECT_THAT(value(".header.what cget -text"),
+              HasSubstr("3 steps: 1 running, 1 finished, 1 crashed"));
+  // The one that went wrong comes up by itself; then the user chooses another.
+  const RWCString detail = ".body.upper.steps.card.detail cget -text";
+  EXPECT_THAT(value(detail), HasSubstr("crashed: killed by signal 9 see run.std"));
+  value("$::taskWindow::list selection set 1; update");
+  EXPECT_THAT(value(detail), HasSubstr("host node18 not answering since"));
+  EXPECT_THAT(
+      value(detail),
+      EndsWith("; files from node18: 2 of 3 a.cgns (25 %); what could not be fetched lies in "
+               "/tmp/kept on node18; iteration 7 of 20\nlast said: hello"));
   EXPECT_EQ(value("wm title ."), "wing – task");
-  EXPECT_EQ(value(".header.elapsed cget -text"), "0:01:04");
+  value("event generate . <F1>; update; event generate .tell <Escape>; update");
+  EXPECT_EQ(value("winfo exists .tell"), "0");
   value("::tail::update_; ::growingText::flush $::tail::view");
   EXPECT_EQ(value("$::tail::view.text get 1.0 end-1c"), "[t40002] hello");
 }

@@ -124,13 +124,16 @@ namespace eval ::tail {
   variable inode 0
   variable rest ""
   variable view ""
+  variable title ""
 
-  proc follow {file title} {
+  proc follow {file name} {
     variable path
     variable rest
     variable view
+    variable title
     stop
     set path $file
+    set title $name
     set rest ""
     ::growingText::clear $view
     ::look::logTitle $title

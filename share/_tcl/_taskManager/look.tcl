@@ -45,6 +45,7 @@ namespace eval ::look {
 
   proc styles {} {
     variable paper; variable ink; variable ground; variable edge; variable faint; variable accent
+    variable colour
     ttk::style theme use clam
     . configure -background $ground
     ttk::style configure . -background $ground -foreground $ink -font TkDefaultFont \
@@ -54,6 +55,7 @@ namespace eval ::look {
     ttk::style configure Card.TFrame -background $paper -bordercolor $edge -borderwidth 1 -relief solid
     ttk::style configure Title.TLabel -font TitleFont
     ttk::style configure Faint.TLabel -foreground $faint
+    ttk::style configure Detail.TLabel -background #eef2f6 -padding {8 6}
     ttk::style configure Section.TLabel -font StrongFont
     ttk::style configure Banner.TFrame -background #fdecea
     ttk::style configure Banner.TLabel -background #fdecea -foreground #8c1d18
@@ -66,9 +68,11 @@ namespace eval ::look {
         -rowheight [expr {[font metrics TkDefaultFont -linespace] + 8}] -borderwidth 0
     ttk::style configure Treeview.Heading -background $ground -foreground $faint -relief flat \
         -padding {2 4}
-    ttk::style map Treeview -background [list selected #dbe8f4] -foreground [list selected $ink]
-    ttk::style configure Horizontal.TProgressbar -background $accent -troughcolor #e1e7ed \
-        -bordercolor #e1e7ed -lightcolor $accent -darkcolor $accent -thickness 6
+    ttk::style map Treeview -background [list selected #dbe8f4] -foreground {}
+    foreach {name tint} [list "" $accent Good. $colour(good) Bad. $colour(bad) Warn. $colour(warn)] {
+      ttk::style configure ${name}Horizontal.TProgressbar -background $tint \
+          -troughcolor #e1e7ed -bordercolor #e1e7ed -lightcolor $tint -darkcolor $tint -thickness 6
+    }
     ttk::style configure Sash -sashthickness 8 -gripcount 0
     option add *Dialog.background $ground
   }
@@ -77,8 +81,9 @@ namespace eval ::look {
     fonts
     styles
     wm title . "Task"
-    wm geometry . 1100x760
-    wm minsize . 640 420
+    wm geometry . [expr {min(1180, [winfo screenwidth .] - 40)}]x[expr \
+        {min(760, [winfo screenheight .] - 40)}]
+    wm minsize . [expr {min(860, [winfo screenwidth .])}] [expr {min(600, [winfo screenheight .])}]
     header .header
     banner .banner
     ttk::panedwindow .body -orient vertical
@@ -100,8 +105,56 @@ namespace eval ::look {
     grid rowconfigure . 2 -weight 1
     grid columnconfigure . 0 -weight 1
     wm protocol . WM_DELETE_WINDOW ::taskWindow::close
-    bind . <Control-q> ::taskWindow::close
-    bind . <Control-w> ::taskWindow::close
+    foreach {words text sequences command} [keys] {
+      foreach sequence $sequences { bind . $sequence $command }
+    }
+  }
+
+  # Every key: its words, what it does, the events, the command. F1 shows them.
+  proc keys {} {
+    return {
+      F1 "shows the keys" {<F1>} ::look::showKeys
+      Alt-1 "goes to the steps; Up and Down choose one, its details stand below the list" {<Alt-Key-1>}
+      {::look::goTo .body.upper.steps.card.list}
+      Alt-2 "goes to what happened" {<Alt-Key-2>} {::look::goTo .body.lower.reports.card.text.text}
+      Alt-3 "goes to the log" {<Alt-Key-3>} {::look::goTo .body.lower.log.card.text.text}
+      "Home, End" "in a text: its beginning, its end; at the end it goes on growing in sight" {} {}
+      Ctrl-C "copies what is selected in a text" {} {}
+      Ctrl-L "shows the other log: the tool's own, or the output of all steps"
+      {<Control-l>} ::taskWindow::changeLog
+      "Ctrl-plus, Ctrl-minus" "letters larger, smaller"
+      {<Control-plus> <Control-KP_Add> <Control-equal>} {::look::resizeLetters 1}
+      "" "" {<Control-minus> <Control-KP_Subtract>} {::look::resizeLetters -1}
+      Alt-S "stops the task, after a question" {<Alt-s>} {.footer.stop invoke}
+      "Alt-C, Ctrl-W, Ctrl-Q" "closes the window or puts it away; a running task goes on"
+      {<Alt-c> <Control-w> <Control-q>} ::taskWindow::close
+    }
+  }
+
+  proc showKeys {} {
+    set lines {}
+    foreach {words text sequences command} [keys] {
+      if {$words ne ""} { lappend lines $words $text }
+    }
+    tell "Keys" $lines
+  }
+
+  proc goTo {path} {
+    focus $path
+    if {[winfo class $path] ne "Treeview"} return
+    if {[$path focus] eq "" && [$path exists 0]} { $path focus 0 }
+    if {[$path selection] eq "" && [$path focus] ne ""} { $path selection set [$path focus] }
+  }
+
+  # All letters of the window, between small ones and those for a big room.
+  proc resizeLetters {by} {
+    if {$by + [font configure TkDefaultFont -size] ni {8 9 10 11 12 13 14 15 16}} return
+    foreach name {TkDefaultFont TkTextFont TkHeadingFont TkFixedFont TitleFont StrongFont} {
+      font configure $name -size [expr {[font configure $name -size] + $by}]
+    }
+    styles
+    reportColumns
+    stepColumns
   }
 
   proc header {path} {
@@ -149,20 +202,45 @@ namespace eval ::look {
   proc steps {path} {
     variable colour
     set card [section $path "Steps"]
-    ttk::treeview $card.list -columns {name state host started time reason} -show headings \
+    ttk::treeview $card.list -columns {name state host started time remark} -show headings \
         -selectmode browse -height 4 -yscrollcommand [list ::growingText::scrolled $card.y]
     ttk::scrollbar $card.y -orient vertical -command [list $card.list yview]
-    foreach {column title width stretch} {
-      name Step 150 1 state State 105 0 host Host 120 1 started Started 75 0 time Time 70 0
-      reason Why 200 1
-    } {
-      $card.list heading $column -text $title -anchor w
-      $card.list column $column -width $width -minwidth 60 -stretch $stretch -anchor w
-    }
+    stepColumns
+    ttk::label $card.detail -style Detail.TLabel -justify left -anchor nw
+    grid $card.detail -row 1 -column 0 -columnspan 2 -sticky ew
+    grid remove $card.detail
+    bind $card.detail <Configure> {%W configure -wraplength [expr {%w - 20}]}
+    bind $card.list <<TreeviewSelect>> ::taskWindow::showDetail
+    bind $card.list <Configure> {if {[%W selection] ne ""} { %W see [lindex [%W selection] 0] }}
     foreach kind [array names colour] { $card.list tag configure $kind -foreground $colour($kind) }
     $card.list tag configure text -font TkDefaultFont
     grid $card.list -row 0 -column 0 -sticky nsew
     grid $card.y -row 0 -column 1 -sticky ns
+  }
+
+  # Widths by the letters in use; the last column takes what is left.
+  proc stepColumns {} {
+    set list .body.upper.steps.card.list
+    foreach {column title sample stretch} {
+      name Step MMMMMMMMMM 0 state State "MM finished" 0 host Host MMMMMMMM 0
+      started Started "00:00:00 " 0 time Time "000:00:00 " 0 remark Remark MMMMMMMM 1
+    } {
+      set width [expr {[font measure TkDefaultFont $sample] + 12}]
+      $list heading $column -text $title -anchor w
+      $list column $column -width $width -minwidth $width -stretch $stretch -anchor w
+    }
+  }
+
+  # Shows `text` below the list of the steps; nothing takes the place away.
+  proc detail {kind text} {
+    variable colour
+    set label .body.upper.steps.card.detail
+    if {$text eq ""} {
+      grid remove $label
+      return
+    }
+    $label configure -text $text -foreground $colour($kind)
+    grid $label
   }
 
   proc reports {path} {
@@ -170,16 +248,21 @@ namespace eval ::look {
     set card [section $path "What happened"]
     ::growingText::make $card.text TkDefaultFont 5000
     grid $card.text -sticky nsew
-    set text $card.text.text
+    foreach kind [array names colour] { $card.text.text tag configure $kind -foreground $colour($kind) }
+    $card.text.text tag configure dim -foreground $::look::faint
+    reportColumns
+  }
+
+  proc reportColumns {} {
+    variable colour
+    set text .body.lower.reports.card.text.text
     # time, sign, sentence stand in columns; a wrapped sentence goes on under its beginning.
     set sentence [expr {8 + [font measure TkDefaultFont "00:00:00"] + 36}]
     $text configure -wrap word -spacing1 2 -spacing3 1 -tabs \
         [list [expr {$sentence - 24}] $sentence]
-    foreach kind [array names colour] {
-      $text tag configure $kind -foreground $colour($kind) -lmargin2 $sentence
+    foreach tag [concat [array names colour] dim said] {
+      $text tag configure $tag -lmargin2 $sentence
     }
-    $text tag configure dim -foreground $::look::faint -lmargin2 $sentence
-    $text tag configure said -lmargin2 $sentence
   }
 
   proc log {path} {
@@ -195,7 +278,7 @@ namespace eval ::look {
 
   proc residuals {path} {
     set card [section $path "Residuals"]
-    if {[::plot::make $card.plot]} { grid $card.plot -sticky nsew -padx 2 -pady 2 }
+    if {[::plot::make $card.plot]} { grid $card.plot -sticky nsew -padx 4 -pady 4 }
   }
 
   # Gives the plot its place beside the steps, at the first values.
@@ -209,14 +292,40 @@ namespace eval ::look {
   proc footer {path} {
     ttk::frame $path
     ttk::label $path.text -style Faint.TLabel -anchor w
+    ttk::button $path.keys -text "Keys (F1)" -command ::look::showKeys
     ttk::button $path.stop -text "Stop the task \u2026" -style Danger.TButton -underline 0 \
         -command ::taskWindow::stop
     ttk::button $path.close -text "Close" -underline 0 -command ::taskWindow::close
-    grid $path.text $path.stop $path.close -sticky ew
+    grid $path.text $path.keys $path.stop $path.close -sticky ew
     grid configure $path.stop -padx 8
     grid columnconfigure $path 0 -weight 1
-    bind . <Alt-s> [list $path.stop invoke]
-    bind . <Alt-c> [list $path.close invoke]
+  }
+
+  # Shows pairs of a name and its meaning; stays beside the window until it is closed.
+  proc tell {title pairs} {
+    set path .tell
+    destroy $path
+    toplevel $path -class Dialog -background $::look::ground -highlightthickness 1 \
+        -highlightbackground $::look::edge -highlightcolor $::look::edge
+    wm title $path $title
+    wm transient $path .
+    wm resizable $path 0 0
+    ttk::frame $path.f -padding 20
+    ttk::label $path.f.title -style Section.TLabel -text $title
+    grid $path.f.title -sticky w -pady {0 8}
+    set row 0
+    foreach {name text} $pairs {
+      ttk::label $path.f.n$row -style Section.TLabel -text $name
+      ttk::label $path.f.t$row -text $text -wraplength 460 -justify left
+      grid $path.f.n$row $path.f.t$row -sticky nw -pady 3 -padx {0 24}
+      incr row
+    }
+    ttk::button $path.f.close -text "Close" -command [list destroy $path]
+    grid $path.f.close -columnspan 2 -sticky e -pady {12 0}
+    grid $path.f
+    foreach key {<Escape> <Return> <F1>} { bind $path $key [list destroy $path] }
+    ::tk::PlaceWindow $path widget .
+    focus $path.f.close
   }
 
   # Asks and answers the value of the button chosen. `choices` is a list of text and value; the

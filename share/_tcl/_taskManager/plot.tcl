@@ -6,6 +6,7 @@ namespace eval ::plot {
   variable graph ""
   variable number
   variable smallest Inf
+  variable largest -Inf
   variable mostPoints 20000
   variable colours {#1b5e9b #c4231c #1a7f37 #a15c00 #7b3fa0 #00788a #9c2c6b #5a5f66}
   array set number {}
@@ -44,6 +45,7 @@ namespace eval ::plot {
   proc take {name points} {
     variable graph
     variable smallest
+    variable largest
     set n [line $name]
     set first [lindex $points 0]
     if {$first == 0} {
@@ -56,12 +58,13 @@ namespace eval ::plot {
       lappend xs $x
       lappend ys $y
       if {$y < $smallest} { set smallest $y }
+      if {$y > $largest} { set largest $y }
     }
     x$n append $xs
     y$n append $ys
     thin $n
-    # What isn't above zero has no place on a logarithmic axis.
-    $graph axis configure y -logscale [expr {$smallest > 0}]
+    # What isn't above zero has no place on a logarithmic axis, and a narrow range no numbers on it.
+    $graph axis configure y -logscale [expr {$smallest > 0 && $largest > 20 * $smallest}]
   }
 
   proc line {name} {

@@ -17,6 +17,9 @@ namespace eval ::taskWindow {
   variable repeats 0
   variable steps {}
   variable words
+  array set words {}
+  variable otherLog ""
+  variable chosen ""
   variable view .body.lower.reports.card.text
   variable list .body.upper.steps.card.list
 
@@ -40,10 +43,12 @@ namespace eval ::taskWindow {
   proc tick {} {
     variable started
     variable finished
+    variable updating
     catch {
       if {!$finished} {
         .header.elapsed configure -text [duration [expr {[clock seconds] - $started}]]
       }
+      if {$updating} { showState }
       ::tail::update_
       if {[::plot::update_]} { ::look::showPlot }
       showTimes
@@ -116,34 +121,125 @@ namespace eval ::taskWindow {
     wm iconname . $name
   }
 
+  # Only rows that have changed are touched: there may be a thousand, and the user may have scrolled.
   proc showSteps {} {
     variable steps
     variable list
     variable words
+    variable shown
     set position 0
     foreach step $steps {
       lassign [dict get $::look::states [dict get $step status]] word kind
-      if {$kind eq "bad" && ![string equal $word [lindex [array get words $position] 1]]} {
-        reportEnd $position $step $word
-      }
+      set former [expr {[info exists words($position)] ? $words($position) : ""}]
       set words($position) $word
       set values [list [dict get $step name] "$::look::sign($kind) $word" [dict get $step host] \
-                      [clockTime [dict get $step started]] [stepTime $step] \
-                      [lindex [split [dict get $step reason] "\n"] 0]]
-      if {[$list exists $position]} {
-        $list item $position -values $values -tags $kind
-      } else {
+                      [clockTime [dict get $step started]] [stepTime $step] [remark $step]]
+      if {![$list exists $position]} {
         $list insert {} end -id $position -values $values -tags $kind
+      } elseif {$values ne $shown($position)} {
+        $list item $position -values $values -tags $kind
       }
-      if {$word eq "running"} { $list see $position }
+      set shown($position) $values
+      if {$word ne $former} {
+        if {$kind eq "bad"} { reportEnd $position $step $word }
+        if {$word eq "running" || $kind eq "bad"} { bringUp $position }
+      }
       incr position
     }
+    showDetail
+  }
+
+  # Brings a step into sight that began to run or went wrong, unless the user has chosen another. The
+  # first that goes wrong stays: mostly the others follow from it.
+  proc bringUp {position} {
+    variable list
+    variable chosen
+    if {[$list selection] ne $chosen} return
+    if {$chosen ne "" && [$list item $chosen -tags] eq "bad"} return
+    $list see $position
+    set chosen $position
+    $list selection set $position
+    $list focus $position
+  }
+
+  # What the dictionary holds under `key`, or `other`.
+  proc field {step key {other ""}} {
+    return [expr {[dict exists $step $key] ? [dict get $step $key] : $other}]
+  }
+
+  # In a few words, what the state doesn't tell: why a step ended, how far one has come that runs.
+  proc remark {step} {
+    set reason [string map {"\n" " "} [field $step reason]]
+    if {$reason ne "" && [dict get $step status] >= 2} { return $reason }
+    if {[dict get $step status] >= 2} { return "" }
+    set parts {}
+    set silent [silence $step]
+    if {$silent ne ""} { lappend parts $silent }
+    set transfer [transfer $step]
+    if {$transfer ne ""} { lappend parts $transfer }
+    if {[field $step queue_state] ne ""} {
+      lappend parts "job [field $step job 0]: [field $step queue_state]"
+    }
+    if {[field $step iteration 0] > 0} {
+      set asked [field $step iterations_asked 0]
+      lappend parts "iteration [field $step iteration][expr {$asked > 0 ? " of $asked" : ""}]"
+    }
+    return [join $parts "; "]
+  }
+
+  # How far the files of a step have come that are on their way, and what went wrong with them.
+  proc transfer {step} {
+    set transfer [field $step transfer {}]
+    set parts {}
+    if {[field $transfer direction] ne ""} {
+      set text "files [field $transfer direction] [field $transfer host]:"
+      if {[field $transfer count 0] > 0} {
+        append text " [field $transfer number 0] of [field $transfer count]"
+      }
+      append text " [file tail [field $transfer file]]"
+      if {[field $transfer total 0] > 0} {
+        append text " ([expr {100 * [field $transfer bytes 0] / [field $transfer total]}] %)"
+      }
+      lappend parts $text
+    }
+    if {[field $transfer problem] ne ""} { lappend parts [field $transfer problem] }
+    if {[field $transfer kept_directory] ne ""} {
+      lappend parts "what could not be fetched lies in [field $transfer kept_directory] on\
+                     [field $transfer host]"
+    }
+    return [join $parts "; "]
+  }
+
+  # Since when a host gives no answer.
+  proc silence {step} {
+    set since [field $step silent_since 0]
+    if {$since <= 0} { return "" }
+    return "host [dict get $step host] not answering since [clockTime $since]"
+  }
+
+  # The details of the chosen step: all of its remark, and what it last said.
+  proc showDetail {} {
+    variable steps
+    variable list
+    set position [lindex [$list selection] 0]
+    if {$position eq "" || $position >= [llength $steps]} { return [::look::detail text ""] }
+    set step [lindex $steps $position]
+    lassign [dict get $::look::states [dict get $step status]] word kind
+    set text [remark $step]
+    set said [string trim [field $step last_text]]
+    if {$said ne "" && [dict get $step status] == 1} {
+      append text [expr {$text eq "" ? "" : "\n"}] "last said: $said"
+    }
+    if {$text eq ""} { return [::look::detail text ""] }
+    set text "$::look::sign($kind) Step [expr {$position + 1}], [dict get $step name], $word: $text"
+    # The list above needs its place, too; all of it stands among what happened.
+    if {[string length $text] > 500} { set text "[string range $text 0 499] \u2026" }
+    ::look::detail [expr {$kind in {bad warn} ? $kind : "text"}] $text
   }
 
   # Says in the list of what happened why a step didn't end well.
   proc reportEnd {position step word} {
     set sentence "Step [expr {$position + 1}], [dict get $step name], has $word"
-    if {$word eq "crashed"} { append sentence " on [dict get $step host]" }
     set reason [string trim [dict get $step reason]]
     report bad [expr {$reason eq "" ? "$sentence." : "$sentence: $reason"}]
   }
@@ -188,13 +284,35 @@ namespace eval ::taskWindow {
         "[dict get $state host]   \u00b7   $steps_: [join $parts {, }]"
     set started [expr {int([dict get $state started])}]
     set finished [expr {$total > 0 && $ended == $total}]
+    set bad [expr {$count(failed) + $count(crashed)}]
+    set style [expr {$bad > 0 ? "Bad." : $count(stopped) > 0 ? "Warn." : $finished ? "Good." : ""}]
+    .header.done configure -style ${style}Horizontal.TProgressbar
     if {$finished} {
       set last $started
       foreach step $steps { set last [expr {max($last, [dict get $step ended])}] }
       .header.elapsed configure -text [duration [expr {$last - $started}]]
       .footer.stop state disabled
-      .footer.text configure -text "All steps have ended."
+      .footer.text configure -text [expr {$bad > 0 ? \
+          "All steps have ended, $bad of them not well: choose one in the list to read why." : \
+          "All steps have ended."}]
     }
+  }
+
+  # --- the log ----------------------------------------------------------------------------------
+
+  proc followLog {file} {
+    variable otherLog
+    if {$::tail::path ni [list "" $file]} { set otherLog [list $::tail::path $::tail::title] }
+    ::tail::follow $file "Log of [file tail $file]"
+  }
+
+  # From the tool's log to the output of the steps, and back.
+  proc changeLog {} {
+    variable otherLog
+    if {$otherLog eq ""} return
+    lassign $otherLog file title
+    set otherLog [list $::tail::path $::tail::title]
+    ::tail::follow $file $title
   }
 
   # --- what the user may do --------------------------------------------------------------------
@@ -251,7 +369,7 @@ proc task_manager_update_ratio {args} {
       "last values of the solver: [clock format [clock seconds] -format %H:%M:%S]"
 }
 
-proc task_manager_init_tail {file} { ::tail::follow $file "Log of [file tail $file]" }
+proc task_manager_init_tail {file} { ::taskWindow::followLog $file }
 
 proc task_manager_update_tail {args} { ::tail::update_ }
 
