@@ -37,6 +37,7 @@ install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
 if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)
   install(DIRECTORY share/bin/ DESTINATION ${TL_BIN_DIR} USE_SOURCE_PERMISSIONS)
 endif()
+install(DIRECTORY share/man share/completion DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
 
 install(DIRECTORY share/man DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
 
