@@ -39,8 +39,6 @@ if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)
 endif()
 install(DIRECTORY share/man share/completion DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
 
-install(DIRECTORY share/man DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
-
 # The script libraries, under the names that the suite has always used and under their own.
 find_path(TL_TCL_SCRIPTS init.tcl PATHS /usr/share/tcltk/tcl8.6 /usr/lib/tcl8.6 REQUIRED)
 find_path(TL_TK_SCRIPTS tk.tcl PATHS /usr/share/tcltk/tk8.6 /usr/lib/tk8.6 REQUIRED)
