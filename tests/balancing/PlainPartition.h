@@ -42,12 +42,9 @@ class PlainPartition {
   int nbProcessors = 0;
   int adjusted = 0;
   int passes = 0;
-  int mostPasses = 100000;  ///< Beyond these the loop is given up (`gaveUp`).
-  bool gaveUp = false;
   float recordTolerance;
   float totalLoad = 0, averageLoad = 0, maximumLoad = 0, tolerance = 0;
-  float globalCost = 1e20F, loadCost = 1e20F, commCost = 1e20F;
-  float savedGlobalCost = 1e20F, savedLoadCost = 1e20F, savedCommCost = 1e20F;
+  float globalCost = 1e20F, loadCost = 1e20F;
   std::string warnings;
   std::vector<float> blockLoads, sortedLoads;
   std::vector<int> sortedIds, owners;
@@ -55,15 +52,13 @@ class PlainPartition {
   std::vector<std::vector<int>> processors;
 
  private:
-  void addEdge(int from, int to, float weight);
-  void addEdgeDouble(int from, int to, double weight);
+  void addEdge(int from, int to, double weight);
   float edge(int block, int other) const;
   void faceEdges(const TLBlockMesh& mesh);
   void fullNonMatchingEdges(const TLBlockMesh& mesh);
   void adjustToLargest();
   void onePass(const std::vector<int>& order);
   bool farBlock(int p);
-  void saveCosts();
   int firstFree() const;
 
   TLCoarsening coarsening_;

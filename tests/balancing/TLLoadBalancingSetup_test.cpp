@@ -4,12 +4,9 @@
 
 #include "balancing/TLGridMesh.h"
 #include "balancing/TLLoadBalancing.h"
-#include "parameters/TLHexaParameters.h"
-#include "parameters/TLParameters.h"
 #include "platform/TLConsole.h"
 #include "platform/TTempDir.h"
 #include "project/TLGrid.h"
-#include "project/TLOutputs.h"
 #include "project/TLProject.h"
 #include "project/TLProjectType.h"
 #include "support/Definitions.h"
@@ -20,41 +17,33 @@ namespace {
 using Integers = std::vector<std::int32_t>;
 using Names = std::vector<RWCString>;
 
-template <class T, class Set>
-void give(TLBlock& block, const char* name, TLValueType type, const std::vector<T>& values,
-          Set set) {
-  auto parameter = makeHandle<TLParameter>();
-  parameter->name = name;
-  parameter->value = TLParameterValue(type, static_cast<std::int32_t>(values.size()), 1);
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    (parameter->value.*set)(static_cast<std::int32_t>(i), 0, values[i]);
-  }
-  block.hexaParameters->parameters.push_back(parameter);
+std::string setting(const std::string& name, const std::string& type, const Names& values) {
+  std::string line = "VALUE";
+  for (const auto& value : values) line += ' ' + value;
+  return "TL_BEGIN tlparameter\nNAME " + name + "\nTYPE " + type + "\nNUMBER " +
+         std::to_string(values.size()) + '\n' + line + "\nTL_END tlparameter\n";
 }
 
 // An unstructured project whose blocks have 1000 cells, on these processors with these weights.
 struct HexaProject {
   TLProject project;
-  explicit HexaProject(std::int32_t nbProcessors) : nbProcessors_(nbProcessors) {
+  explicit HexaProject(std::int32_t nbProcessors) : nbProcessors_(std::to_string(nbProcessors)) {
     project.currentComputation = makeHandle<TLSubProject>(TLProjectType::hexa);
     project.currentComputation->grid = makeHandle<TLGrid>(TLProjectType::hexa);
   }
-  void add(const Integers& processors, const std::vector<double>& weights) {
+  void add(const Names& processors, const Names& weights) {
     auto& blocks = project.currentComputation->grid->blocks;
-    auto block = makeHandle<TLBlock>(TLProjectType::hexa);
-    block->name = "b" + std::to_string(blocks.size());
-    block->nbCells = 1000;
-    block->hexaParameters = makeHandle<TLHexaParameters>();
-    using V = TLParameterValue;
-    const auto integer = TLValueType::integer;
-    give(*block, "iParallel_", integer, Integers{1}, &V::setInteger);
-    give(*block, "nbProcs_", integer, Integers{nbProcessors_}, &V::setInteger);
-    give(*block, "procsOfBlock_", integer, processors, &V::setInteger);
-    give(*block, "PartWeights_", TLValueType::real, weights, &V::setReal);
-    give(*block, "procName_", TLValueType::string, Names{"proc of " + block->name}, &V::setString);
+    const auto block = makeHandle<TLBlock>(TLProjectType::hexa);
+    const std::string name = "b" + std::to_string(blocks.size());
+    TLTextSource source(
+        "NAME " + name + "\nNB_CELLS 1000\nTL_BEGIN hexa_parameters\n" +
+        setting("iParallel_", "INTEGER", {"1"}) + setting("nbProcs_", "INTEGER", {nbProcessors_}) +
+        setting("procsOfBlock_", "INTEGER", processors) + setting("PartWeights_", "REAL", weights) +
+        setting("procName_", "STRING", {"'proc of " + name + "'"}) + "TL_END hexa_parameters\n");
+    EXPECT_EQ(block->read(source), 1);
     blocks.push_back(block);
   }
-  std::int32_t nbProcessors_;
+  std::string nbProcessors_;
 };
 
 struct Prepared {
@@ -72,10 +61,10 @@ struct Prepared {
 
 TEST(TLLoadBalancingSetup, MapsThePartitionsOfAnUnstructuredMesh) {
   HexaProject hexa(4);
-  hexa.add({0, 1}, {0.25, 0.7509});
-  hexa.add({2}, {1.0});
-  hexa.add({3}, {0.5});
-  hexa.add({2}, {1.0});
+  hexa.add({"0", "1"}, {"0.25", "0.7509"});
+  hexa.add({"2"}, {"1.0"});
+  hexa.add({"3"}, {"0.5"});
+  hexa.add({"2"}, {"1.0"});
   const Prepared got(hexa);
   EXPECT_TRUE(got.good);
   EXPECT_EQ(got.record.parallel, 1);
@@ -104,8 +93,8 @@ TEST(TLLoadBalancingSetup, FitsTheProcessesToTheMesh) {
   before.processNames = {"a", "b", "c", "d"};
   before.blockProcess = {0, 3, 2, 1};
   HexaProject hexa(2);
-  hexa.add({0}, {1.0});
-  hexa.add({1}, {1.0});
+  hexa.add({"0"}, {"1.0"});
+  hexa.add({"1"}, {"1.0"});
   const Prepared got(before, hexa);
   EXPECT_EQ(got.record.processNames, (Names{"a", "b"}));
   EXPECT_EQ(got.record.blockProcess, (Integers{0, 0, 0, 1}));
@@ -113,13 +102,13 @@ TEST(TLLoadBalancingSetup, FitsTheProcessesToTheMesh) {
 
 TEST(TLLoadBalancingSetup, TellsOfWeightsThatAreMissing) {
   HexaProject hexa(3);
-  hexa.add({0, 1, 2}, {0.5});
+  hexa.add({"0", "1", "2"}, {"0.5"});
   const Prepared got(hexa);
   EXPECT_TRUE(got.good);
   EXPECT_EQ(got.record.ncell_, (Integers{500, 0, 0}));
   EXPECT_NE(got.trace.find("block b0 has 3 processors, but 1 weights"), std::string::npos);
   HexaProject absurd(2147483647);
-  absurd.add({0}, {1.0});
+  absurd.add({"0"}, {"1.0"});
   EXPECT_FALSE(Prepared(absurd).good);
 }
 
@@ -164,19 +153,6 @@ TEST_F(RunFile, OfAStructuredMeshIsTakenOverAndBalanced) {
   }
   EXPECT_FALSE(record.setup(files_.file("none.run")));
   EXPECT_FALSE(record.mesh);
-}
-
-TEST_F(RunFile, OfAnUnstructuredMeshNamesItsPartitions) {
-  RunFileOptions options;
-  options.unstructured = true;
-  options.processors = 4;
-  std::ostringstream out;
-  const TLConsoleRedirect redirect(out);
-  TLLoadBalancing record;
-  ASSERT_TRUE(record.setup(written(options)));
-  EXPECT_EQ(record.nbQueuingSystemProcessor, 4);
-  EXPECT_EQ(record.distributionMap.size(), 4U);
-  EXPECT_EQ(record.processNames.size(), 4U);
 }
 
 }  // namespace

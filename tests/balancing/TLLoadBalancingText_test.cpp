@@ -12,25 +12,7 @@ std::string written(const TLLoadBalancing& record) {
   return sink.take();
 }
 
-TEST(TLLoadBalancingText, WritesItsDefaultsInTheFixedForm) {
-  EXPECT_EQ(written(TLLoadBalancing()),
-            "         PARALLEL           0\n"
-            "         MPI_TYPE           2\n"
-            "         PROCESS_NAME       0\n"
-            "         QUEUING_SYSTEM_ACTIVATED      0\n"
-            "         NB_QUEUING_SYSTEM_PROCESSOR   1\n"
-            "         QUEUING_SYSTEM_QUEUE          Undefined\n"
-            "         QUEUING_TEMPLATE              default_ompi\n"
-            "         COMPILER_CHOICE               0\n"
-            "         AUTOMATIC_LOAD_BALANCING_ACTIVATED   1\n"
-            "         FLUID_TYPE                           unknown\n"
-            "         STEAM_TABLES_PATH                    unknown\n"
-            "         USER_SOLVER_PRECISION               0\n"
-            "         MAXIMUM_HARMONICS_NUMBER             0\n"
-            "         BLOCK_ID                             0\n");
-}
-
-TEST(TLLoadBalancingText, WritesListsAndDesignGenerationsAndReadsThemBack) {
+TEST(TLLoadBalancingText, WritesTheFixedFormAndReadsItBack) {
   TLLoadBalancing record;
   record.mpiSgi664 = 1;
   record.fluidType = "Perfect Gas";
@@ -40,25 +22,32 @@ TEST(TLLoadBalancingText, WritesListsAndDesignGenerationsAndReadsThemBack) {
   record.geomGeneration = {{"a", "b"}, {}};
   record.feaPostTreatmentGeneration = {{"z"}};
   const std::string text = written(record);
-  EXPECT_NE(text.find("         PROCESS_NAME       2  hostA  hostB\n"), std::string::npos);
-  EXPECT_NE(text.find("         BLOCK_ID                             3  0  1  1\n"
-                      "         MPISGI664                            1\n"
-                      "         DESIGN_GENERATION           2  g1  g2\n"
-                      "         GEOM_GENERATION           2\n2  a  b\n0\n"
-                      "         MESH_GENERATION           2\n0\n0\n"),
-            std::string::npos)
+  EXPECT_TRUE(
+      text.starts_with("         PARALLEL           0\n"
+                       "         MPI_TYPE           2\n"
+                       "         PROCESS_NAME       2  hostA  hostB\n"
+                       "         QUEUING_SYSTEM_ACTIVATED      0\n"
+                       "         NB_QUEUING_SYSTEM_PROCESSOR   1\n"
+                       "         QUEUING_SYSTEM_QUEUE          Undefined\n"
+                       "         QUEUING_TEMPLATE              default_ompi\n"
+                       "         COMPILER_CHOICE               0\n"
+                       "         AUTOMATIC_LOAD_BALANCING_ACTIVATED   1\n"
+                       "         FLUID_TYPE                           Perfect Gas\n"
+                       "         STEAM_TABLES_PATH                    unknown\n"
+                       "         USER_SOLVER_PRECISION               0\n"
+                       "         MAXIMUM_HARMONICS_NUMBER             0\n"
+                       "         BLOCK_ID                             3  0  1  1\n"
+                       "         MPISGI664                            1\n"
+                       "         DESIGN_GENERATION           2  g1  g2\n"
+                       "         GEOM_GENERATION           2\n2  a  b\n0\n"
+                       "         MESH_GENERATION           2\n0\n0\n"))
       << text;
-
   TLTextSource source(text + "TL_END load_balancing\nleft");
   TLLoadBalancing copy;
   copy.processNames = {"gone"};
   ASSERT_EQ(copy.read(source), 1);
   EXPECT_EQ(source.readLine(), "left");
   EXPECT_EQ(written(copy), text);
-  EXPECT_EQ(copy.fluidType, "Perfect Gas");
-  EXPECT_EQ(copy.processNames, record.processNames);
-  EXPECT_EQ(copy.blockProcess, record.blockProcess);
-  EXPECT_EQ(copy.geomGeneration, record.geomGeneration);
 }
 
 TEST(TLLoadBalancingText, TakesTheQueueSettingsOfOlderFiles) {
@@ -100,10 +89,6 @@ TEST(TLLoadBalancingText, ReadsByKeyAndRefusesShortLists) {
     TLTextSource bad(text);
     EXPECT_EQ(record.read(bad), 0) << text;
   }
-  TLTextSource partly("PARALLEL 5\nPROCESS_NAME 2 a\nMPI_TYPE 9\n");
-  EXPECT_EQ(record.read(partly), 0);
-  EXPECT_EQ(record.parallel, 5);
-  EXPECT_EQ(record.mpiType, 2);
 }
 
 TEST(TLLoadBalancingProcesses, RemovingOneMovesItsBlocks) {
