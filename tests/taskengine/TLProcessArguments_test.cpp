@@ -81,22 +81,4 @@ TEST(ProcessArguments, ReadTheirBlockAndWriteIt) {
             "          TL_END process_argument  \n");
 }
 
-TEST(ProcessArguments, AFaultyEntryFailsAndIsNotKept) {
-  TLTextSource source(
-      "TL_BEGIN process_argument\nTYPE a\nTL_END process_argument\n"
-      "TL_BEGIN process_argument\nTYPE b\nLOCAL_FILE\nTL_END process_argument\n");
-  TLProcessArguments arguments;
-  EXPECT_EQ(arguments.read(source), 0);
-  EXPECT_EQ(arguments.count(), 1);
-}
-
-TEST(ProcessArguments, CopiesAreIndependent) {
-  TLProcessArguments arguments;
-  arguments.append("-a", "1");
-  TLProcessArguments copy = arguments;
-  copy.assign(copy);
-  arguments.at(0)->setValue("2");
-  EXPECT_EQ(copy.at(0)->value(), "1");
-}
-
 }  // namespace

@@ -17,13 +17,6 @@ class SubTaskMessagesTest : public TEngineTest {
   }
 };
 
-TEST_F(SubTaskMessagesTest, AStartConfirmsTheLaunch) {
-  gLaunchConfirmed = 0;
-  give(addRunning("A", "velstra", {kChild}), 4);
-  EXPECT_EQ(gLaunchConfirmed, 1);
-  EXPECT_EQ(said(), Lines{"\"FLOW SOLVER STARTED\""});
-}
-
 TEST_F(SubTaskMessagesTest, TextsGoToTheScriptAsTheyAre) {
   TLSubTask& step = addRunning("A", "velstra", {kChild});
   give(step, 7, {"a\\b \"c\" $d\n", "ignored"});
@@ -65,46 +58,28 @@ TEST_F(SubTaskMessagesTest, TheEndIsKeptPassedOnAndFetched) {
   EXPECT_EQ(step.status, TLSubTask::Running) << "only the status test moves it";
 }
 
-TEST_F(SubTaskMessagesTest, AnEndBeforeAnyLivingTargetIsDropped) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild});
-  isGone(kChild);
-  give(step, 5);
-  EXPECT_EQ(sent(), Lines{"500:5 0"});
-  vm.parent = 0;
-}
-
-TEST_F(SubTaskMessagesTest, AStrangersEndIsPassedOnButNotKept) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild});
-  give(step, 5, {}, std::nullopt, 99);
-  EXPECT_EQ(step.finishMessage.tag, -1);
-  EXPECT_EQ(sent(), (Lines{"7:5", "500:5"}));
-  EXPECT_EQ(launched(), Lines{"retrieveResults A"});
-}
-
-TEST_F(SubTaskMessagesTest, AQueuedStepsEndIsOnlyFetched) {
+TEST_F(SubTaskMessagesTest, EndsThatAreNotKept) {
   TLSubTask& step = addRunning("LUMBRAKE", "lumbrakesp", {kChild});
+  give(step, 5, {}, std::nullopt, 99);  // a stranger's
+  EXPECT_EQ(step.finishMessage.tag, -1);
+  EXPECT_EQ(sent(), (Lines{"99:24", "7:5", "500:5"}));
+  EXPECT_EQ(launched(), Lines{"retrieveResults LUMBRAKE"});
   step.loadBalancing.queuingSystemActivated = 1;
   give(step, 5);
   EXPECT_EQ(step.finishMessage.tag, -1);
   EXPECT_EQ(sent(), Lines{"7:24"});
   EXPECT_EQ(launched(), Lines{"retrieveResults LUMBRAKE"});
-}
-
-TEST_F(SubTaskMessagesTest, ASuspendedTaskEndsWithTheSolver) {
-  gSuspendRequested = 1;
-  give(addRunning("LUMBRAKE", "lumbrakesp", {kChild}), 5);
+  step.loadBalancing.queuingSystemActivated = 0;
+  gSuspendRequested = 1;  // a suspended task ends with the solver
+  give(step, 5);
   EXPECT_EQ(exits_, 1);
   EXPECT_EQ(sent(), Lines{"7:24"});
   EXPECT_EQ(launched(), Lines{});
 }
 
 TEST_F(SubTaskMessagesTest, RunFilesIdentifyAProcess) {
-  struct Argument {
-    const char* type;
-    const char* value;
-  };
   struct Case {
-    std::vector<Argument> arguments;
+    std::vector<std::pair<const char*, const char*>> arguments;
     std::vector<std::string> texts;
     bool match;
   };
@@ -128,7 +103,7 @@ TEST_F(SubTaskMessagesTest, RunFilesIdentifyAProcess) {
   };
   for (const auto& test : cases) {
     TLSubTask& step = addRunning("A", "velstra", {kChild});
-    for (const auto& one : test.arguments) step.spawnArguments.append(one.type, one.value);
+    for (const auto& [type, value] : test.arguments) step.spawnArguments.append(type, value);
     TLProcessMessage made = message(9, 77);
     for (const auto& text : test.texts) made.addString(text);
     EXPECT_EQ(step.runFileMatches(made), test.match) << &test - cases;
@@ -158,10 +133,8 @@ TEST_F(SubTaskMessagesTest, ReconnectionAndIdentifiers) {
   EXPECT_EQ(said(), Lines{});
   EXPECT_EQ(step.processIds, std::vector<std::int32_t>{4711});
   give(step, 28, {"x"}, 89);
-  give(step, 28, {}, 0);
-  give(step, 28, {}, -3);
+  for (const std::int32_t nobody : {0, -3}) give(step, 28, {}, nobody);
   give(step, 28, {"x"});
-  give(step, 28);
   EXPECT_EQ(step.children, (std::vector<std::int32_t>{kChild, 88, 89}));
 }
 
@@ -182,23 +155,14 @@ TEST_F(SubTaskMessagesTest, ASolutionIsFetchedForAParallelUnstructuredRun) {
   EXPECT_EQ(sent(), Lines{});
 }
 
-TEST_F(SubTaskMessagesTest, Steering) {
+TEST_F(SubTaskMessagesTest, AResetMarksEachParentUntilItIsTold) {
   TLSubTask& step = addRunning("A", "velstra", {kChild});
   step.addParent(600);
-  give(step, 13);
-  EXPECT_EQ(said(), Lines{"task_manager_update_ratio"});
-  step.steering->name = "/s.steering";
-  give(step, 14);
-  EXPECT_EQ(said(), Lines{"\"ASK FLOW SOLVER STEERING\""});
-  EXPECT_EQ(sent(), Lines{"7:12 '/s.steering' type 9"});
-  EXPECT_EQ(step.steeringAsked, 1);
   give(step, 15);
   EXPECT_EQ(said(), Lines{"\"RESET FLOW SOLVER STEERING\""});
   EXPECT_EQ(sent(), Lines{"7:24"});
-  EXPECT_EQ(step.parentSteeringDirty, (std::vector<std::int32_t>{1, 1}));
   step.addParent(700);
   EXPECT_EQ(step.parentSteeringDirty, (std::vector<std::int32_t>{1, 1, 1}));
-  EXPECT_EQ(step.steering->resetMark, 1);
   step.sendSteering(600, nullptr);
   EXPECT_EQ(step.parentSteeringDirty, (std::vector<std::int32_t>{1, 0, 1}));
   EXPECT_EQ(step.steeringDirty, 0);
@@ -268,20 +232,6 @@ TEST_F(SubTaskMessagesTest, PollingHandlesAllThatWaitsInOrder) {
   step.pollMessages(kChild, -1);
   EXPECT_EQ(said(), (Lines{"\"three\"", "update"}));
   EXPECT_TRUE(step.inbox.empty());
-}
-
-TEST_F(SubTaskMessagesTest, StartErrorsAddUp) {
-  TLProcessMessage error = message(25, 0);
-  error.addString("why");
-  task->addParent(0);
-  task->addParent(600);
-  task->sendToParentsOffset(error);
-  EXPECT_EQ(sent(), (Lines{"500:10025 'why'", "600:20025 'why'"}));
-  TLProcessMessage empty = message(1, 0);
-  EXPECT_EQ(task->sendToChildren(empty), 0);
-  task->children = {0, 5};
-  EXPECT_EQ(task->sendToChildren(empty), 1);
-  EXPECT_EQ(sent(), Lines{"5:1"});
 }
 
 }  // namespace

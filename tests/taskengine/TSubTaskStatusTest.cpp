@@ -11,20 +11,6 @@ using S = TLSubTask;
 
 class SubTaskStatusTest : public TEngineTest {};
 
-TEST_F(SubTaskStatusTest, Words) {
-  TLSubTask& step = add("A");
-  const char* const words[] = {"pending",     "running", "finished ok",
-                               "finished ko", "crashed", "stopped"};
-  for (int status = 0; status < 6; ++status) {
-    step.status = status;
-    EXPECT_EQ(step.statusWord(), words[status]);
-  }
-  for (const int status : {-1, 6}) {
-    step.status = status;
-    EXPECT_EQ(step.statusWord(), "not a correct status");
-  }
-}
-
 TEST_F(SubTaskStatusTest, TheProcessDecides) {
   struct Case {
     std::int32_t before;
@@ -117,8 +103,11 @@ TEST_F(MarineStatusTest, TheEntryDecidesBeforeTheProcess) {
     std::int32_t answer;  // of the virtual machine
     std::int32_t after;
     bool running;
+    std::int32_t before = S::Running;
   };
   const Case cases[] = {
+      {"running", 99, kGone, S::Running, true, S::Pending},
+      {"finished", 0, 0, S::FinishedOk, false, S::Pending},
       {"running", 99, kGone, S::Running, true},
       {"pending", 0, 0, S::Running, true},
       {"pending", 0, kGone, S::FinishedOk, false},
@@ -134,22 +123,12 @@ TEST_F(MarineStatusTest, TheEntryDecidesBeforeTheProcess) {
   for (const auto& test : cases) {
     SCOPED_TRACE(testing::Message() << test.word << " of age " << test.age);
     TLSubTask& step = addRunning("PREMETIS", "premetis", {7});
+    step.status = test.before;
     put("premetis", test.word, test.age);
     vm.statuses[7] = test.answer;
     EXPECT_EQ(step.isRunning(), test.running);
     EXPECT_EQ(step.status, test.after);
   }
-}
-
-TEST_F(MarineStatusTest, AStepNotYetStartedFollowsItToo) {
-  TLSubTask& step = add("QUOREL_CFD");
-  step.children = {7};
-  put("quorelcfd", "running");
-  EXPECT_TRUE(step.isRunning());
-  step.status = S::Pending;
-  put("quorelcfd", "finished");
-  EXPECT_FALSE(step.isRunning());
-  EXPECT_EQ(step.status, S::FinishedOk);
 }
 
 TEST_F(MarineStatusTest, EachStepHasItsBlockAndPlace) {
@@ -197,38 +176,13 @@ TEST_F(MarineStatusTest, TheWin32FormHasItsOwnPaths) {
   EXPECT_EQ(post.status, S::FinishedKo);
 }
 
-TEST_F(MarineStatusTest, AnEntryThatIsNotThereLeavesTheProcess) {
-  TLSubTask& step = addRunning("PREMETIS", "premetis", {7});
-  put("other", "running");
-  EXPECT_TRUE(step.isRunning());
-  step.executable = "sculpt3d";  // never asks the file
+TEST_F(MarineStatusTest, OtherwiseTheProcessDecides) {
+  TLSubTask& step = addRunning("PREMETIS", "sculpt3d", {7});
   put("premetis", "failed");
-  EXPECT_TRUE(step.isRunning());
+  EXPECT_TRUE(step.isRunning()) << "this program never asks the file";
   step.executable = "premetis";
   task->localComputationPath = dir_.file("gone");
   EXPECT_TRUE(step.isRunning());
-}
-
-TEST_F(MarineStatusTest, TheProbesToolIsReadBesideItsFirstLog) {
-  TLSubTask& step = addRunning("PROBES2QVK", "probes", {7});
-  isGone(7);
-  argument(step, "-log", dir_.file("a.log"));
-  argument(step, "-log", dir_.file("other/a.log"));
-  put("probes2sorvit", "running", 99);
-  EXPECT_TRUE(step.isRunning());
-  put("probes2sorvit", "finished", 99);
-  EXPECT_FALSE(step.isRunning());
-  EXPECT_EQ(step.status, S::FinishedOk);
-  step.status = S::Running;
-  vm.statuses[7] = 0;
-  put("probes2sorvit", "failed");
-  EXPECT_TRUE(step.isRunning());  // the process has the last word
-  EXPECT_EQ(step.status, S::Running);
-  vm.statuses[7] = -14;
-  EXPECT_FALSE(step.isRunning());
-  EXPECT_EQ(step.status, S::FinishedKo);
-  TLSubTask& bare = addRunning("PROBES2QVK", "probes", {8});
-  EXPECT_TRUE(bare.isRunning());
 }
 
 }  // namespace

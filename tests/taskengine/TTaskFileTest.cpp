@@ -1,6 +1,5 @@
 #include "TEngineTest.h"
 
-#include "../platform/TTempDir.h"
 #include "platform/TLHostForm.h"
 
 namespace {
@@ -59,49 +58,45 @@ TEST_F(TaskFileTest, WhatIsWrittenIsReadBack) {
   TLSubTask& original = add("LUMBRAKE", "lumbrakesp");
   original.hostName = "far";
   original.remoteLogin = "me";
-  original.children = {7, 8};
+  original.children = {7};
   original.status = 1;
   original.startingDate = -2;
   original.startAfterTask = "the other one";
   original.endingDate = 5;
   original.waitingTask = 0;
-  original.integerSize = 3000000000;
+  original.integerSize = 41;
   original.realSize = 42;
   original.enabled = 0;
   original.userSolverPrecision = 1;
   original.arguments.append("-run", "/a b/c.run");
-  original.loadBalancing.parallel = 1;
   original.loadBalancing.processNames = {"far", "near"};
   original.virtualPartition.setNbTasks(4);
   task->name = "a task";
   task->localComputationPath = "/data/my case/";
   task->computationFileName = "c.sim";
+  const auto written = [&] {
+    TLTextSink sink;
+    task->write(sink);
+    return sink.take();
+  };
+  const std::string text = written();
+  ASSERT_EQ(read(text), 1);
+  EXPECT_EQ(written(), text);
+  EXPECT_EQ(step().loadBalancing.hostName, "far");
+  EXPECT_EQ(step().loadBalancing.remoteLogin, "me");
+  EXPECT_EQ(step().parentTask().get(), task.get());
+
+  // What doesn't come back: children behind the first, more than 32 bits, and the task's end, whose
+  // key the two sides spell differently.
+  task->subTask(0)->children = {7, 8};
+  task->subTask(0)->integerSize = 3000000000;
   task->endingDate = 9;
-  TLTextSink sink;
-  task->write(sink);
+  const std::string more = written();
   task->endingDate = -1;
-  ASSERT_EQ(read(sink.text()), 1);
-  EXPECT_EQ(task->name, "a task");
-  EXPECT_EQ(task->localComputationPath, "/data/my case/");
-  EXPECT_EQ(task->endingDate, -1);  // the two sides spell its key differently
-  ASSERT_EQ(task->subTaskCount(), 1);
-  const TLSubTask& again = step();
-  EXPECT_EQ(again.name, "LUMBRAKE");
-  EXPECT_EQ(again.children, std::vector<std::int32_t>{7});
-  EXPECT_EQ(again.status, 1);
-  EXPECT_EQ(again.startAfterTask, "the other one");
-  EXPECT_EQ(again.endingDate, 5);
-  EXPECT_EQ(again.waitingTask, 0);
-  EXPECT_NE(again.integerSize, 3000000000);  // the reader has 32 bits
-  EXPECT_EQ(again.realSize, 42);
-  EXPECT_EQ(again.enabled, 0);
-  EXPECT_EQ(again.userSolverPrecision, 1);
-  EXPECT_EQ(again.arguments.at(0)->value(), "/a b/c.run");
-  EXPECT_EQ(again.loadBalancing.processNames.size(), 2U);
-  EXPECT_EQ(again.loadBalancing.hostName, "far");
-  EXPECT_EQ(again.loadBalancing.remoteLogin, "me");
-  EXPECT_EQ(again.virtualPartition.nbTasks(), 4);
-  EXPECT_EQ(again.parentTask().get(), task.get());
+  ASSERT_EQ(read(more), 1);
+  EXPECT_EQ(step().children, std::vector<std::int32_t>{7});
+  EXPECT_NE(step().integerSize, 3000000000);
+  EXPECT_EQ(task->endingDate, -1);
 }
 
 TEST_F(TaskFileTest, KeysStandAnywhereAndTheOrderOfTheTestsDecides) {
@@ -195,23 +190,11 @@ TEST_F(TaskFileTest, TheComputationPathComesFromTheMarineSolver) {
   exchangeHostForm(std::move(former));
 }
 
-TEST_F(TaskFileTest, ReadFileNeedsTheFile) {
-  TTempDir dir;
-  EXPECT_EQ(task->readFile(dir.file("none.task")), 0);
-  EXPECT_EQ(task->fileName, "");
-  const std::string path = dir.write("a.task", "NAME from file\n");
-  EXPECT_EQ(task->readFile(path), 1);
-  EXPECT_EQ(task->fileName, path);
-  EXPECT_EQ(task->name, "from file");
-}
-
 TEST_F(TaskFileTest, HostKindComesFromTheVirtualMachine) {
-  vm.hosts = {{1, "unix", "LINUX64", 1000, 0}, {2, "windows", "WIN32", 1000, 0}};
+  vm.hosts = {{1, "unix", "LINUX64", 1000, 0}};
   ASSERT_EQ(read("hostname unix\nTL_BEGIN subtask\nhostname unix\nTL_END subtask\n"), 1);
   EXPECT_EQ(task->isWin32Host, 0);
   EXPECT_EQ(step().isWin32Host, 1);  // settled at launch
-  ASSERT_EQ(read("hostname windows"), 1);
-  EXPECT_EQ(task->isWin32Host, 1);
   ASSERT_EQ(read("hostname nowhere"), 1);
   EXPECT_EQ(task->isWin32Host, 1);
 }
@@ -220,11 +203,9 @@ TEST_F(TaskFileTest, AssignMakesACopyForANewRun) {
   TLSubTask& original = addRunning("LUMBRAKE", "lumbrakesp", {7});
   original.hostName = "far";
   original.remoteRunDir = "/tmp/.tm_1/";
-  original.perfCurveName = "curve";
   original.startingDate = -2;
   original.startAfterTask = "x";
   original.steeringAsked = 1;
-  original.enabled = 0;
   original.arguments.append("-a", "b");
   original.addParent(600);
   const auto copy = makeHandle<TLSubTask>();
@@ -237,17 +218,11 @@ TEST_F(TaskFileTest, AssignMakesACopyForANewRun) {
   EXPECT_EQ(copy->startingDate, -1);
   EXPECT_EQ(copy->startAfterTask, "");
   EXPECT_EQ(copy->remoteRunDir, "");
-  EXPECT_EQ(copy->perfCurveName, "unknown");
-  EXPECT_EQ(copy->name, "LUMBRAKE");
   EXPECT_EQ(copy->hostName, "far");
   EXPECT_EQ(copy->steeringAsked, 1);
-  EXPECT_EQ(copy->enabled, 0);
   EXPECT_EQ(copy->parentTask().get(), task.get());
   original.arguments.at(0)->setValue("changed");
   EXPECT_EQ(copy->arguments.at(0)->value(), "b");
-  copy->setParentTask(nullptr);
-  EXPECT_FALSE(copy->parentTask());
-  EXPECT_NE(printed.str().find("Warning. TLSubTask::parentTask returns NULL\n"), std::string::npos);
 }
 
 }  // namespace

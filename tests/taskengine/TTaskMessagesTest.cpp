@@ -1,7 +1,6 @@
 #include "../platform/TTempDir.h"
 #include "TEngineTest.h"
 #include "messaging/TLSubMessageNewSteering.h"
-#include "messaging/TLSubMessageSteeringStatus.h"
 #include "platform/TLHostForm.h"
 
 namespace {
@@ -34,26 +33,13 @@ TEST_F(TaskMessagesTest, APollAnswersWithTheStatuses) {
   EXPECT_EQ(sent(), Lines{"900:1 0 0 0 1 3"});
 }
 
-TEST_F(TaskMessagesTest, APollBringsTheSteeringThatIsLacking) {
-  addRunning("A", "velstra", {7}).steeringAsked = 1;
-  addRunning("B", "velstra", {8});
-  addRunning("C", "velstra", {9}).steeringAsked = 1;
-  TLProcessMessage question = message(1, kInterface);
-  for (int i = 0; i < 2; ++i) {
-    question.subMessages.push_back(new TLSubMessageSteeringStatus);
-    static_cast<TLSubMessageSteeringStatus&>(*question.subMessages.back()).parameters =
-        makeHandle<TLSteeringParameters>();
-  }
-  question.addInteger(1);
-  task->handleMessage(question);
-  EXPECT_EQ(sent(), (Lines{"900:1 1 1 1", "900:13 'unknown' type 8"}));
-}
-
-TEST_F(TaskMessagesTest, StopOfTheWholeTask) {
-  addRunning("A", "velstra", {7, 8});
+TEST_F(TaskMessagesTest, StopOfTheWholeTaskSavesTheSteeringOfAllButSolvers) {
+  TTempDir dir;
+  addRunning("A", "velstra", {7, 8}).steering->name = dir.file("solver.steering");
   TLSubTask& queued = addRunning("B", "tool", {42});
+  queued.steering->name = dir.file("tool.steering");
   queued.loadBalancing.queuingSystemActivated = 3;
-  add("C");
+  add("C", "tool").applyNewSteering(nullptr);
   give(2, -1);
   EXPECT_EQ(said(), Lines{"TASK_MUST_BE_STOPPED_-1"});
   EXPECT_EQ(vm.kills, (std::vector<std::int32_t>{7, 8}));
@@ -61,16 +47,6 @@ TEST_F(TaskMessagesTest, StopOfTheWholeTask) {
   EXPECT_EQ(statuses(), (std::vector<std::int32_t>{5, 5, 5}));
   for (const auto& step : task->subTasks) EXPECT_EQ(step->finishMessage.tag, 1);
   EXPECT_EQ(sent(), Lines{"900:2"});
-  task->superviseOnce();
-  EXPECT_EQ(launched(), Lines{}) << "what was stopped before its start never starts";
-}
-
-TEST_F(TaskMessagesTest, StoppingSavesTheSteeringOfAllButSolvers) {
-  TTempDir dir;
-  add("A", "velstra").steering->name = dir.file("solver.steering");
-  add("B", "tool").steering->name = dir.file("tool.steering");
-  add("C", "tool").applyNewSteering(nullptr);
-  give(2, -1);
   EXPECT_FALSE(dir.has("solver.steering"));
   EXPECT_TRUE(dir.has("tool.steering"));
 }
@@ -81,9 +57,7 @@ TEST_F(TaskMessagesTest, StopOfOneStep) {
   queued.loadBalancing.queuingSystemActivated = 1;
   give(2, 0);
   give(2, 1);
-  give(2, 2);
-  give(2, -2);
-  give(2);
+  for (const std::int32_t nobody : {2, -2}) give(2, nobody);
   give(2, std::nullopt, {"0"});
   EXPECT_EQ(said(), (Lines{"SUBTASK_0_MUST_BE_STOPPED", "SUBTASK_1_MUST_BE_STOPPED"}));
   EXPECT_EQ(vm.kills, (std::vector<std::int32_t>{7, 8}));
@@ -91,19 +65,6 @@ TEST_F(TaskMessagesTest, StopOfOneStep) {
   EXPECT_EQ(statuses(), (std::vector<std::int32_t>{5, 5}));
   EXPECT_EQ(task->subTask(0)->finishMessage.tag, -1);
   EXPECT_EQ(sent(), Lines{});
-}
-
-TEST_F(TaskMessagesTest, EndMessagesAreReplayedOnce) {
-  add("A").finishMessage.tag = 5;
-  task->subTask(0)->finishMessage.addString("done");
-  add("B");
-  add("C").finishMessage.tag = 1;
-  give(6);
-  EXPECT_EQ(said(), Lines{"GET_FLOW_SOLVER_STATUS_MESSAGE"});
-  EXPECT_EQ(sent(), (Lines{"900:5 'done'", "900:5", "900:6"}));
-  give(6);
-  EXPECT_EQ(sent(), Lines{"900:6"});
-  EXPECT_EQ(task->subTask(0)->finishMessage.tag, -2);
 }
 
 TEST_F(TaskMessagesTest, ShortReactions) {
@@ -124,44 +85,13 @@ TEST_F(TaskMessagesTest, ShortReactions) {
   EXPECT_EQ(exits_, 1);
 }
 
-TEST_F(TaskMessagesTest, ANewInterfaceBecomesAParentEverywhere) {
-  TLSubTask& step = add("A");
-  step.steeringDirty = 1;
-  give(10);
-  give(10);
-  EXPECT_EQ(said(), (Lines(2, "RECONNECTED_TO_PARENT")));
-  EXPECT_EQ(task->parents, (std::vector<std::int32_t>{kParent, kInterface}));
-  EXPECT_EQ(step.parents, (std::vector<std::int32_t>{kParent, kInterface}));
-  EXPECT_EQ(step.parentSteeringDirty, (std::vector<std::int32_t>{0, 1}));
-}
-
-TEST_F(TaskMessagesTest, AProcessFindsItsStepByTheRunFile) {
-  TLSubTask& first = add("A");
-  argument(first, "none", "/a.run");
-  TLSubTask& second = add("B");
-  argument(second, "none", "/b.run");
-  give(9, std::nullopt, {"/b.run"});
-  EXPECT_EQ(said(), (Lines{"TRY_RECONNECTION_TO_CHILDREN", "RECONNECTED_TO_CHILDREN"}));
-  EXPECT_EQ(first.children, std::vector<std::int32_t>{});
-  EXPECT_EQ(second.children, std::vector<std::int32_t>{kInterface});
-  TLProcessMessage identity = message(20, kInterface);
-  identity.addString("/a.run");
-  identity.addInteger(-4);
-  task->handleMessage(identity);
-  identity.addString("no number last");
-  task->handleMessage(identity);
-  EXPECT_EQ(said(), Lines{"RECEIVE_PROCESS_ID"});
-  EXPECT_EQ(first.processIds, std::vector<std::int32_t>{-4});
-}
-
 TEST_F(TaskMessagesTest, SavingAndThePerformanceCurve) {
   addRunning("A", "velstra", {7, 8});
   addRunning("B", "velstra", {9});
   give(21, 0);
   give(21, -1);
   EXPECT_EQ(said(), (Lines(2, "SUBTASK_PROMPTS_TO_SAVE_SOLUTION")));
-  give(21, 2);
-  give(21, -2);
+  for (const std::int32_t nobody : {2, -2}) give(21, nobody);
   give(21, std::nullopt, {"0"});
   EXPECT_EQ(said(), Lines{});
   EXPECT_EQ(sent(), (Lines{"7:21", "8:21"}));
@@ -190,13 +120,6 @@ TEST_F(TaskMessagesTest, Suspending) {
     }
     return all;
   };
-  give(30);
-  EXPECT_EQ(gSuspendRequested, 1);
-  EXPECT_EQ(said(), Lines{"TASK_IS_BEING_SUSPENDED"});
-  EXPECT_EQ(sent(), (Lines{"7:11", "8:11", "9:11"}));
-  EXPECT_EQ(stopped(), "B");
-  gSuspendRequested = 0;
-
   struct Case {
     std::int32_t position;
     Lines said;
@@ -214,13 +137,16 @@ TEST_F(TaskMessagesTest, Suspending) {
   for (const auto& test : cases) {
     SCOPED_TRACE(test.position);
     give(11, test.position);
+    EXPECT_EQ(gSuspendRequested, 0);
     EXPECT_EQ(said(), test.said);
     EXPECT_EQ(sent(), test.sent);
     EXPECT_EQ(stopped(), test.stopped);
-    EXPECT_EQ(gSuspendRequested, 0);
   }
-  give(11, std::nullopt, {"0"});
-  EXPECT_EQ(said(), Lines{});
+  give(30);
+  EXPECT_EQ(gSuspendRequested, 1);
+  EXPECT_EQ(said(), Lines{"TASK_IS_BEING_SUSPENDED"});
+  EXPECT_EQ(sent(), (Lines{"7:11", "8:11", "9:11"}));
+  EXPECT_EQ(stopped(), "B");
 }
 
 TEST_F(TaskMessagesTest, NewSteeringFindsItsStepsByAnArgument) {

@@ -18,87 +18,56 @@ class TaskWalkTest : public TEngineTest {
   }
 };
 
-TEST_F(TaskWalkTest, AnEmptyTaskDoesNothing) {
-  EXPECT_EQ(walk().size(), 0U);
-  task->superviseOnce();
-  EXPECT_EQ(exits_, 0);
-}
-
-TEST_F(TaskWalkTest, WaitingStepsFollowOneAnother) {
-  add("A");
-  add("B");
-  add("C");
-  EXPECT_EQ(walk(), (Statuses{0, 0, 0}));
-  EXPECT_EQ(launched(), Lines{"startStep A"});
-  EXPECT_EQ(walk(), (Statuses{1, 0, 0}));
-  EXPECT_EQ(launched(), Lines{});
-  isGone(1001);
-  EXPECT_EQ(walk(), (Statuses{1, 0, 0})) << "what ran on entry";
-  EXPECT_EQ(launched(), Lines{"startStep B"});
-  isGone(1002);
-  walk();
-  isGone(1003);
-  walk();
-  EXPECT_EQ(statuses(), (Statuses{S::FinishedOk, S::FinishedOk, S::Running}))
-      << "nobody asks for the last step";
-}
-
-TEST_F(TaskWalkTest, AWaitingStepWaitsForAllBeforeIt) {
-  add("A");
-  add("B", "tool", 0);
-  add("C");
-  walk();
-  EXPECT_EQ(launched(), (Lines{"startStep A", "startStep B"}));
-  isGone(1002);
-  walk();
-  EXPECT_EQ(launched(), Lines{});
-  isGone(1001);
-  walk();
-  EXPECT_EQ(launched(), Lines{"startStep C"});
-}
-
-TEST_F(TaskWalkTest, AStepBesideASolverWaitsForItsWord) {
-  add("A", "velstraTurbo");
-  add("B", "tool", 0);
-  walk();
-  EXPECT_EQ(gLaunchConfirmed, 0);
-  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
-  walk();
-  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
-  EXPECT_EQ(launched(), Lines{"startStep A"});
-  gLaunchConfirmed = 1;
-  walk();
-  EXPECT_EQ(launched(), Lines{"startStep B"});
-  EXPECT_EQ(said(), Lines{});
-}
-
-TEST_F(TaskWalkTest, OneBesideNeedsOnlyTheStepBeforeIt) {
-  add("A", "tool", 0);
-  add("B", "velstra", 0);
-  add("C", "tool", 0);
-  add("D", "tool", 0);
-  walk();  // a solver without its confirmation holds what follows; D is behind C, not yet started
-  EXPECT_EQ(launched(), (Lines{"startStep A", "startStep B"}));
-  EXPECT_EQ(said(), Lines{"WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL"});
-  task->subTask(1)->status = S::Crashed;  // ended: no confirmation needed
-  walk();
-  EXPECT_EQ(launched(), (Lines{"startStep C", "startStep D"}));
-}
-
-TEST_F(TaskWalkTest, AStepThatNeverStarts) {
-  add("A", "tool", 2);
-  add("B", "tool", 0);
-  add("C");
-  walk();
-  EXPECT_EQ(launched(), Lines{"startStep B"}) << "nothing stands before it in the walk";
-  isGone(1001);
-  walk();
-  EXPECT_EQ(launched(), Lines{}) << "C waits for A, too";
-  task->clearSubTasks();
-  add("A", "tool", 2);
-  add("B");
-  walk();
-  EXPECT_EQ(launched(), Lines{});
+TEST_F(TaskWalkTest, StepsStartInTheirTurn) {
+  // Steps of a task in short ("/": beside the one before, "?": never started by the walk, "-":
+  // disabled; "velstra" is a solver), and turn by turn what ends before the walk and what the walk
+  // starts and says.
+  constexpr const char* kWaits = " WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL";
+  const std::string solver = " velstra";
+  struct Turn {
+    const char* ended;
+    std::string started;
+  };
+  const struct {
+    const char* steps;
+    std::vector<Turn> turns;
+  } cases[] = {
+      {"", {{"", ""}}},
+      {"A B C", {{"", " A"}, {"", ""}, {"A", " B"}, {"B", " C"}}},
+      // A waiting step waits for all before it.
+      {"A B/ C", {{"", " A B"}, {"B", ""}, {"A", " C"}}},
+      // A step beside a solver waits for its word, or for its end.
+      {"velstra B/", {{"", solver + kWaits}, {"", kWaits}, {"confirmed", " B"}}},
+      {"A/ velstra/ C/ D/", {{"", " A" + solver + kWaits}, {"velstra", " C D"}}},
+      {"A? B", {{"", ""}}},
+      {"A B- C", {{"", " A"}, {"A", " C"}}},
+      // Nothing stands before B in the walk; but C waits for A, too.
+      {"A? B/ C", {{"", " B"}, {"B", ""}}},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.steps);
+    task->clearSubTasks();
+    gLaunchConfirmed = 1;
+    std::istringstream steps(test.steps);
+    for (std::string name; steps >> name;) {
+      const char mark = name.back();
+      if (std::string_view("/?-").find(mark) != std::string_view::npos) name.pop_back();
+      add(name, name, mark == '/' ? 0 : mark == '?' ? 2 : 1).enabled = mark != '-';
+    }
+    for (const auto& turn : test.turns) {
+      for (const auto& step : task->subTasks) {
+        if (step->name != turn.ended) continue;
+        isGone(step->children.at(0));
+        if (step->name == "velstra") step->status = S::Crashed;
+      }
+      if (turn.ended == std::string_view("confirmed")) gLaunchConfirmed = 1;
+      walk();
+      std::string started;
+      for (const auto& call : launched()) started += call.substr(call.find(' '));
+      for (const auto& line : said()) started += ' ' + line;
+      EXPECT_EQ(started, turn.started) << "behind " << turn.ended;
+    }
+  }
 }
 
 TEST_F(TaskWalkTest, ConfirmationAfterEachKindOfStart) {
@@ -143,22 +112,6 @@ TEST_F(TaskWalkTest, FailedStartsAreReportedAndDontStopTheWalk) {
                    "host far is accessible and not full.' 1",
                    "500:5 'Couldn't start C : remote copy failed !!' 'Check if directory C:\\tmp "
                    "of host unknown is accessible and not full.' 2"}));
-  task->clearSubTasks();
-  launcher.results = {{"A", -100}};
-  add("A");
-  walk();
-  EXPECT_EQ(sent().size(), 1U);
-}
-
-TEST_F(TaskWalkTest, DisabledStepsPassByAtTheirTurn) {
-  add("A");
-  add("B").enabled = 0;
-  add("C");
-  walk();
-  EXPECT_EQ(statuses(), (Statuses{1, 0, 0}));
-  isGone(1001);
-  walk();
-  EXPECT_EQ(statuses(), (Statuses{2, 2, 1}));
 }
 
 /// The chain whose steps tell of failures in the status file.
@@ -173,21 +126,6 @@ class MarineWalkTest : public TaskWalkTest {
   }
   TTempDir dir_;
 };
-
-TEST_F(MarineWalkTest, AFailedStepDisablesTheRest) {
-  add("PREMETIS");
-  add("QUOREL_CFD");
-  add("QUOREL2SORVIT");
-  walk();
-  put("premetis", "mismatch");
-  isGone(1001);
-  walk();
-  EXPECT_EQ(statuses(), (Statuses{2, 2, 2}));
-  EXPECT_EQ(launched(), Lines{"startMarineStep PREMETIS"});
-  for (const auto& step : task->subTasks) EXPECT_EQ(step->enabled, 0);
-  task->superviseOnce();
-  EXPECT_EQ(exits_, 1);
-}
 
 TEST_F(MarineWalkTest, WhatCountsAsFailure) {
   struct Case {
@@ -219,7 +157,7 @@ TEST_F(MarineWalkTest, WhatCountsAsFailure) {
   EXPECT_TRUE(TLTask::stepFailed(post));
 }
 
-TEST_F(MarineWalkTest, AStepBesideLooksAtThoseBeforeIt) {
+TEST_F(MarineWalkTest, AFailureDisablesTheMarineStepsBehindIt) {
   put("premetis", "failed");
   add("PREMETIS").status = S::FinishedOk;
   add("other", "tool", 0);
@@ -227,13 +165,9 @@ TEST_F(MarineWalkTest, AStepBesideLooksAtThoseBeforeIt) {
   walk();
   EXPECT_EQ(launched(), Lines{"startStep other"}) << "only a marine step looks";
   EXPECT_EQ(statuses(), (Statuses{2, 1, 2}));
-}
-
-TEST_F(MarineWalkTest, ADisabledFailureDisablesNothing) {
-  put("premetis", "failed");
-  TLSubTask& first = add("PREMETIS");
-  first.status = S::FinishedOk;
-  first.enabled = 0;
+  task->clearSubTasks();
+  add("PREMETIS").status = S::FinishedOk;
+  task->subTask(0)->enabled = 0;  // of which nobody takes notice
   add("QUOREL_CFD");
   walk();
   EXPECT_EQ(launched(), Lines{"startMarineStep QUOREL_CFD"});
