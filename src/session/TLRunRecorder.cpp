@@ -24,7 +24,8 @@ double secondsNow() {
 /// only together with these.
 bool differs(const TLRunStateStep& entry, const TLSubTask& step) {
   return entry.status != step.status || entry.children != step.children ||
-         entry.reason != step.endReason || entry.queueState != step.queueState;
+         entry.reason != step.endReason || entry.queueState != step.queueState ||
+         entry.transfer != step.transfer;
 }
 
 std::vector<std::string> textsOf(const TLProcessMessage& message) {
@@ -91,6 +92,8 @@ void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   state_.logFile = gCatchoutFileName;
   state_.started = secondsNow();
   update(task);
+  // A launch doesn't come back before its copies are done.
+  setTransferObserver([this, &task] { update(task); });
 }
 
 bool TLRunRecorder::takeAll(const TLTask& task) {
@@ -137,6 +140,7 @@ void TLRunRecorder::record(const TLTask& task, std::size_t position) {
   entry.jobNumber = step.isQueued() && !step.children.empty() ? step.children.front() : 0;
   entry.reason = step.endReason;
   entry.queueState = step.queueState;
+  entry.transfer = step.transfer;
   entry.iterationsAsked = iterationsAsked(step);
 }
 
@@ -159,6 +163,7 @@ TLKeptRun TLRunRecorder::keptRun(const TLTask& task) const {
 
 void TLRunRecorder::end(const TLTask& task) {
   if (directory_.empty()) return;
+  setTransferObserver(nullptr);
   takeAll(task);
   TLKeptRun kept = keptRun(task);
   kept.ended = secondsNow();

@@ -30,22 +30,47 @@ double numberFrom(const Json& json, const char* name) {
   return found != json.end() && found->is_number() ? found->get<double>() : 0.0;
 }
 
+Json transferToJson(const TLTransferProgress& transfer) {
+  return {{"direction", transfer.direction}, {"host", transfer.host},
+          {"file", transfer.file},           {"number", transfer.number},
+          {"count", transfer.count},         {"bytes", transfer.bytes},
+          {"total", transfer.total},         {"file_bytes", transfer.fileBytes},
+          {"problem", transfer.problem},     {"kept_directory", transfer.keptDirectory}};
+}
+
+TLTransferProgress transferFromJson(const Json& json) {
+  TLTransferProgress transfer;
+  transfer.direction = json.value("direction", "");
+  transfer.host = json.value("host", "");
+  transfer.file = json.value("file", "");
+  transfer.number = json.value("number", 0);
+  transfer.count = json.value("count", 0);
+  transfer.bytes = json.value("bytes", std::int64_t{0});
+  transfer.total = json.value("total", std::int64_t{0});
+  transfer.fileBytes = json.value("file_bytes", std::int64_t{0});
+  transfer.problem = json.value("problem", "");
+  transfer.keptDirectory = json.value("kept_directory", "");
+  return transfer;
+}
+
 Json stepToJson(const TLRunStateStep& step) {
-  return {{"name", step.name},
-          {"executable", step.executable},
-          {"host", step.host},
-          {"status", step.status},
-          {"children", step.children},
-          {"queue", step.queue},
-          {"job", step.jobNumber},
-          {"started", step.started},
-          {"ended", step.ended},
-          {"reason", step.reason},
-          {"queue_state", step.queueState},
-          {"iteration", step.iteration},
-          {"iterations_asked", step.iterationsAsked},
-          {"residuals", residualsToJson(step.residuals)},
-          {"last_text", step.lastText}};
+  Json json{{"name", step.name},
+            {"executable", step.executable},
+            {"host", step.host},
+            {"status", step.status},
+            {"children", step.children},
+            {"queue", step.queue},
+            {"job", step.jobNumber},
+            {"started", step.started},
+            {"ended", step.ended},
+            {"reason", step.reason},
+            {"queue_state", step.queueState},
+            {"iteration", step.iteration},
+            {"iterations_asked", step.iterationsAsked},
+            {"residuals", residualsToJson(step.residuals)},
+            {"last_text", step.lastText}};
+  if (step.transfer != TLTransferProgress()) json["transfer"] = transferToJson(step.transfer);
+  return json;
 }
 
 TLRunStateStep stepFromJson(const Json& json) {
@@ -64,6 +89,7 @@ TLRunStateStep stepFromJson(const Json& json) {
   step.iteration = json.value("iteration", 0);
   step.iterationsAsked = json.value("iterations_asked", 0);
   step.lastText = json.value("last_text", "");
+  step.transfer = transferFromJson(json.value("transfer", Json::object()));
   for (const auto& entry : json.value("residuals", Json::array())) {
     step.residuals.push_back(
         {entry.value("name", ""), numberFrom(entry, "first"), numberFrom(entry, "last")});

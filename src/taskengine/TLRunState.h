@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "taskengine/TLTransferProgress.h"
+
 /// How far a residual has come.
 struct TLRunStateResidual {
   std::string name;
@@ -33,6 +35,9 @@ struct TLRunStateStep {
   std::int32_t iterationsAsked = 0;  ///< 0 unknown
   std::vector<TLRunStateResidual> residuals;
   std::string lastText;  ///< what it last had to say to the user
+
+  /// What of its files is on its way to its host or back, and what a failed copy left where.
+  TLTransferProgress transfer;
 
   bool operator==(const TLRunStateStep&) const = default;
 };

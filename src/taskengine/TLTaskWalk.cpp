@@ -28,7 +28,9 @@ RWCString failedStartText(int result) {
 }
 
 void noteFailedStart(TLSubTask& step, int result) {
-  if (result == TLSubTask::kCopyFailed) {
+  if (result == TLSubTask::kCopyFailed && !step.transfer.problem.empty()) {
+    step.noteEnd(TLStepEnd::Kind::neverStarted, step.transfer.problem);
+  } else if (result == TLSubTask::kCopyFailed) {
     step.noteEnd(TLStepEnd::Kind::copyFailed, step.remoteTmpDir);
   } else if (!step.isQueued()) {
     step.noteEnd(TLStepEnd::Kind::neverStarted, failedStartText(result));
