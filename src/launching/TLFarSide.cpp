@@ -1,5 +1,7 @@
 #include "launching/TLFarSide.h"
 
+#include <utility>
+
 #include "launching/TLPathText.h"
 #include "taskengine/TLSubTask.h"
 
@@ -20,10 +22,13 @@ RWCString win32Word(const RWCString& path) {
 }  // namespace
 
 TLFarSide::TLFarSide(const TLSubTask& step)
-    : host_(step.hostName),
-      login_(step.remoteLogin),
-      directory_(step.remoteRunDir),
-      win32_(step.isWin32Host != 0) {}
+    : TLFarSide(step.hostName, step.remoteLogin, step.isWin32Host != 0, step.remoteRunDir) {}
+
+TLFarSide::TLFarSide(RWCString host, RWCString login, bool win32, RWCString directory)
+    : host_(std::move(host)),
+      login_(std::move(login)),
+      directory_(std::move(directory)),
+      win32_(win32) {}
 
 RWCString TLFarSide::spec() const {
   return login_.empty() ? host_ : host_ + "." + login_;
@@ -54,5 +59,7 @@ std::vector<RWCString> TLFarSide::discard() const {
 }
 
 RWCString TLFarSide::directoryName(const RWCString& root, bool win32, const RWCString& number) {
-  return win32 ? root + "\\tm_" + number : root + "/.tm_" + number + "/";
+  if (win32) return root + "\\tm_" + number;
+  // The root of a step that was made before its host was known.
+  return (root == "C:\\tmp" ? "/tmp" : root) + "/.tm_" + number + "/";
 }

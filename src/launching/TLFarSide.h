@@ -10,8 +10,10 @@ class TLSubTask;
 /// The kind of that host decides over its commands, whatever this one is.
 class TLFarSide {
  public:
-  /// The step must not change while this is in use.
+  /// As a step has it.
   explicit TLFarSide(const TLSubTask& step);
+  /// `directory` is that of the run, as `directoryName` forms it.
+  TLFarSide(RWCString host, RWCString login, bool win32, RWCString directory);
 
   const RWCString& host() const { return host_; }
   const RWCString& login() const { return login_; }

@@ -152,13 +152,13 @@ void TLHostTransfer::prepareRemoteDir(TLSubTask& step) {
 int TLHostTransfer::transferStep(TLSubTask& step) {
   if (!hasMarked(step.spawnArguments)) return 0;
   prepareRemoteDir(step);
-  return carry(step, carriedArguments(step));
+  return carry(step, carriedArguments(TLFarSide(step), step.spawnArguments));
 }
 
 int TLHostTransfer::transferHexa_(TLSubTask& step) {
   print("TLSubTask::transferHexa_ ... IN");
   prepareRemoteDir(step);
-  const int failed = carry(step, carriedUnstructured(step));
+  const int failed = carry(step, carriedUnstructured(TLFarSide(step), step.spawnArguments));
   print("TLSubTask::transferHexa_ ... OUT");
   return failed;
 }
@@ -166,7 +166,7 @@ int TLHostTransfer::transferHexa_(TLSubTask& step) {
 int TLHostTransfer::transferSculpt(TLSubTask& step) {
   if (step.hostName == ownHostName() || !hasMarked(step.spawnArguments)) return 1;
   prepareRemoteDir(step);
-  return carry(step, carriedSculpt(step)) == 0 ? 1 : 0;
+  return carry(step, carriedSculpt(TLFarSide(step), step.spawnArguments)) == 0 ? 1 : 0;
 }
 
 // ---- from the host ---------------------------------------------------------------------------

@@ -1,19 +1,46 @@
 #include "launching/TLLaunchPlan.h"
 
+#include <algorithm>
+
+#include "launching/TLCarryList.h"
 #include "launching/TLComposition.h"
 #include "launching/TLJobScript.h"
 #include "launching/TLLaunchLines.h"
 #include "launching/TLLaunching.h"
 #include "launching/TLProgramNames.h"
+#include "launching/TLQueuingKind.h"
 #include "launching/TLQueuingSystem.h"
 #include "launching/TLRunFile.h"
 #include "launching/TLRunFileLaunch.h"
 #include "launching/TLStartFiles.h"
+#include "launching/TLTransferPlanner.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
 #include "taskengine/TLTask.h"
 
 namespace {
+
+constexpr std::int32_t kFindsByName = 3;  // LSF
+
+/// Maps as another strategy does, and notes what has another name there.
+class NotingMapping : public TLMappingStrategy {
+ public:
+  NotingMapping(TLMappingStrategy& mapping, std::vector<TLMappedPath>& mapped)
+      : mapping_(mapping), mapped_(mapped) {}
+
+  bool mapPath(const RWCString& path, const RWCString& hostName, RWCString& result) override {
+    const bool found = mapping_.mapPath(path, hostName, result);
+    const auto known = [&](const TLMappedPath& entry) { return entry.here == path; };
+    if (result != path && std::none_of(mapped_.begin(), mapped_.end(), known)) {
+      mapped_.push_back({path, result});
+    }
+    return found;
+  }
+
+ private:
+  TLMappingStrategy& mapping_;
+  std::vector<TLMappedPath>& mapped_;
+};
 
 /// The plan of one step, by the stages of its launch.
 class Planner {
@@ -55,7 +82,8 @@ class Planner {
     completeMarineArguments(draft_, site_);
     if (isMarineSolver(draft_.executable)) settleMarineProcesses(draft_);
     nameParallelMarineProgram(draft_, site_);
-    finishMarineArguments(draft_, place, mapping);
+    NotingMapping noting(mapping, plan_.mapped);
+    finishMarineArguments(draft_, place, noting);
     planLines();
     if (!draft_.win32 && draft_.name == "QUOREL_CFD") {
       plan_.written.push_back({place.directory + "machines.txt", {}});
@@ -100,14 +128,49 @@ class Planner {
   }
 
   void planCarriage() {
-    if (carriageOf(draft_, site_, draft_.spawnArguments) == TLCarriage::none) return;
+    const TLCarriage way = carriageOf(draft_, site_, draft_.spawnArguments);
+    const bool here = draft_.hostName == site_.localHostName;
+    if (way == TLCarriage::none || !hasMarkedFile(draft_.spawnArguments)) return;
+    if (way == TLCarriage::sculpt && here) return;
     for (const auto& entry : draft_.spawnArguments.entries()) {
-      if (entry->hasLocalFile() == 1 && entry->localFile() != 0) {
-        plan_.carried.push_back(entry->value());
-      }
+      if (isMarked(*entry)) plan_.carried.push_back(entry->value());
     }
-    if (!plan_.carried.empty()) {
-      plan_.notes.emplace_back("carried files stand with their local names in the words");
+    const TLFarSide far(draft_.hostName, draft_.remoteLogin, draft_.win32,
+                        TLFarSide::directoryName(step_.remoteTmpDir, draft_.win32, kPlannedNumber));
+    take(way == TLCarriage::unstructured ? carriedUnstructured(far, draft_.spawnArguments)
+         : way == TLCarriage::sculpt     ? carriedSculpt(far, draft_.spawnArguments)
+                                         : carriedArguments(far, draft_.spawnArguments));
+    plan_.notes.push_back(RWCString(kPlannedNumber) + " in the directory on " + far.host() +
+                          " stands for the number that the start draws");
+    if (way == TLCarriage::arguments && far.login().empty()) {
+      plan_.notes.emplace_back(
+          "no login is told: nothing is copied, and the files must stand in that directory");
+    }
+  }
+
+  void take(const TLCarryList& list) {
+    for (const auto& action : list.actions()) {
+      switch (action.kind) {
+        case TLCarryAction::Kind::directory:
+        case TLCarryAction::Kind::command:
+          plan_.actions.push_back({TLPlannedAction::Kind::command, {}, action.text, 0});
+          break;
+        case TLCarryAction::Kind::copy:
+        case TLCarryAction::Kind::tree:
+          plan_.actions.push_back({action.kind == TLCarryAction::Kind::tree
+                                       ? TLPlannedAction::Kind::tree
+                                       : TLPlannedAction::Kind::copy,
+                                   action.source, action.target, action.bytes});
+          break;
+        case TLCarryAction::Kind::message:
+          plan_.scriptLines.push_back(action.text);
+          break;
+        case TLCarryAction::Kind::value:
+          draft_.spawnArguments.at(action.entry)->setValue(action.text);
+          break;
+        default:
+          break;  // files that are there for the transfer only, and what is printed
+      }
     }
   }
 
@@ -121,6 +184,7 @@ class Planner {
       return;
     }
     plan_.jobScript.path = jobScriptPath(kind, firstValue(draft_.arguments));
+    planQueueCommands(kind, jobScriptPath(kind, runFile));
     const auto text = hostForm().readFile(plan_.jobScript.path);
     if (!text) {
       plan_.notes.push_back(missingTemplateText(plan_.jobScript.path));
@@ -144,14 +208,31 @@ class Planner {
     plan_.notes.emplace_back("NNN in the job script stands for the number that the start draws");
   }
 
+  /// Where the job is on another host: the queue is asked for its jobs before and after.
+  void planQueueCommands(std::int32_t kind, const RWCString& script) {
+    if (draft_.hostName == site_.localHostName) return;
+    using Kind = TLPlannedAction::Kind;
+    plan_.actions.push_back({Kind::command, {}, RWCString(queuingKind(kind)->list), 0});
+    if (script != plan_.jobScript.path) {
+      plan_.actions.push_back(
+          {Kind::copy, plan_.jobScript.path, script, bytesOf(plan_.jobScript.path)});
+    }
+    plan_.actions.push_back({Kind::command, {}, plan_.submission, 0});
+    RWCString find(queuingKind(kind)->find);
+    if (kind == kFindsByName) find += RWCString("comp") + kPlannedNumber;
+    plan_.actions.push_back({Kind::command, {}, find, 0});
+  }
+
   void planLines() {
-    plan_.scriptLines = {
-        spawnLine(draft_.executable, draft_.hostName, draft_.win32, draft_.remoteLogin)};
+    plan_.scriptLines.push_back(
+        spawnLine(draft_.executable, draft_.hostName, draft_.win32, draft_.remoteLogin));
     for (const auto& line : argumentLines(draft_.spawnArguments)) plan_.scriptLines.push_back(line);
   }
 
   TLLaunchPlan finished(TLStartWay way, const RWCString& host) {
     plan_.way = way;
+    plan_.farHost =
+        TLFarSide(draft_.hostName, draft_.remoteLogin, draft_.win32, RWCString()).spec();
     plan_.host = host;
     plan_.program = draft_.executable;
     plan_.words = commandWords(draft_.spawnArguments);

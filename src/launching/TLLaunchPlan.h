@@ -8,23 +8,48 @@
 
 class TLSubTask;
 
+/// Something that a launch does on the step's host, or carries there.
+struct TLPlannedAction {
+  enum class Kind {
+    command,  ///< `target` is run there
+    copy,     ///< the file or pattern `source` goes to `target` there
+    tree      ///< the directory `source` with all in it goes into `target` there
+  };
+  Kind kind = Kind::command;
+  RWCString source;
+  RWCString target;
+  std::int64_t bytes = 0;  ///< of what goes
+};
+
+/// A path of this host that stands in the words by another name.
+struct TLMappedPath {
+  RWCString here;
+  RWCString there;
+};
+
 /// What a launch of one step would do, without doing any of it: the dry run. Nothing is started and
 /// no file is changed; the words are those of a later launch from the same files.
 struct TLLaunchPlan {
   TLStartWay way = TLStartWay::none;
   RWCString host;      ///< on which the process is started
+  RWCString farHost;   ///< the step's host and login as copies have them
   bool win32 = false;  ///< kind of the step's host
   RWCString program;
   std::vector<RWCString> words;
   RWCString runFile;                       ///< of a flow solver; empty for none
   std::vector<TLLaunchFile> written;       ///< files made here; `text` empty where it is a record's
   std::vector<RWCString> carried;          ///< local files that go to the host first
+  std::vector<TLPlannedAction> actions;    ///< on the step's host or towards it, in their order
+  std::vector<TLMappedPath> mapped;        ///< paths that the host knows by another name
   std::vector<RWCString> scriptLines;      ///< told to the script before the start
   std::vector<std::int32_t> blockProcess;  ///< process of each block, from 1; empty when not told
   std::vector<RWCString> notes;            ///< what is worth knowing about this start
   RWCString submission;                    ///< command line of a job; empty for none
   TLLaunchFile jobScript;                  ///< as it would be filled; no text when it can't be
 };
+
+/// Stands for the number of a run's directory, which the start draws.
+constexpr const char* kPlannedNumber = "NNN";
 
 /// A word for people: "pvm", "mpi launcher", "queue", "local tool", "none".
 const char* startWayWord(TLStartWay way);

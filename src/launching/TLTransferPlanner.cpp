@@ -3,10 +3,9 @@
 #include "launching/TLPathText.h"
 #include "launching/TLProjectCarrier.h"
 #include "launching/TLProjectReading.h"
-#include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
 #include "project/TLProject.h"
-#include "taskengine/TLSubTask.h"
+#include "taskengine/TLProcessArguments.h"
 
 namespace {
 
@@ -24,7 +23,8 @@ RWCString replaced(RWCString text, const RWCString& match, const RWCString& by) 
 /// The list of an unstructured run.
 class UnstructuredList {
  public:
-  explicit UnstructuredList(const TLSubTask& step) : step_(step), list_(TLFarSide(step)) {}
+  UnstructuredList(const TLFarSide& far, const TLProcessArguments& arguments)
+      : arguments_(arguments), list_(far) {}
 
   TLCarryList make() {
     const TLFarSide& far = list_.far();
@@ -43,8 +43,8 @@ class UnstructuredList {
 
  private:
   void forEach(const char* suffix, void (UnstructuredList::*carry)(std::int32_t, const TLFile&)) {
-    for (std::int32_t i = 0; i < step_.spawnArguments.count(); ++i) {
-      const TLProcessArgument& argument = *step_.spawnArguments.at(i);
+    for (std::int32_t i = 0; i < arguments_.count(); ++i) {
+      const TLProcessArgument& argument = *arguments_.at(i);
       const TLFile file(argument.value());
       if (isMarked(argument) && file.suffix() == suffix) (this->*carry)(i, file);
     }
@@ -113,7 +113,7 @@ class UnstructuredList {
     list_.setValue(entry, target);
   }
 
-  const TLSubTask& step_;
+  const TLProcessArguments& arguments_;
   TLCarryList list_;
 };
 
@@ -123,12 +123,11 @@ bool isMarked(const TLProcessArgument& argument) {
   return argument.hasLocalFile() == 1 && argument.localFile() != 0;
 }
 
-TLCarryList carriedArguments(const TLSubTask& step) {
-  TLCarryList list{TLFarSide(step)};
+TLCarryList carriedArguments(const TLFarSide& far, const TLProcessArguments& spawnArguments) {
+  TLCarryList list(far);
   TLProjectCarrier carrier(list);
-  const TLFarSide& far = list.far();
-  for (std::int32_t i = 0; i < step.spawnArguments.count(); ++i) {
-    const TLProcessArgument& argument = *step.spawnArguments.at(i);
+  for (std::int32_t i = 0; i < spawnArguments.count(); ++i) {
+    const TLProcessArgument& argument = *spawnArguments.at(i);
     if (!isMarked(argument)) continue;
     const RWCString value = argument.value();
     list.makeRunDirectory();
@@ -145,15 +144,15 @@ TLCarryList carriedArguments(const TLSubTask& step) {
   return list;
 }
 
-TLCarryList carriedUnstructured(const TLSubTask& step) {
-  return UnstructuredList(step).make();
+TLCarryList carriedUnstructured(const TLFarSide& far, const TLProcessArguments& spawnArguments) {
+  return UnstructuredList(far, spawnArguments).make();
 }
 
-TLCarryList carriedSculpt(const TLSubTask& step) {
-  TLCarryList list{TLFarSide(step)};
+TLCarryList carriedSculpt(const TLFarSide& far, const TLProcessArguments& spawnArguments) {
+  TLCarryList list(far);
   list.makeRunDirectory();
-  if (step.spawnArguments.count() == 0 || !isMarked(*step.spawnArguments.at(0))) return list;
-  const RWCString value = step.spawnArguments.at(0)->value();
+  if (spawnArguments.count() == 0 || !isMarked(*spawnArguments.at(0))) return list;
+  const RWCString value = spawnArguments.at(0)->value();
   const RWCString directory = stripTrailingSlashes(TLFile(value).directory());
   const RWCString last = nameOf(directory);
   // What a Windows host of this process has to say goes for each far host.

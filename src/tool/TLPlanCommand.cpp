@@ -70,6 +70,59 @@ void printJobScript(const std::string& text) {
   for (std::string line; std::getline(lines, line);) fmt::print("  script    {}\n", line);
 }
 
+const char* actionWord(TLPlannedAction::Kind kind) {
+  switch (kind) {
+    case TLPlannedAction::Kind::copy:
+      return "copy";
+    case TLPlannedAction::Kind::tree:
+      return "tree";
+    case TLPlannedAction::Kind::command:
+      break;
+  }
+  return "command";
+}
+
+/// Commands and copies in their order, and what they come to.
+void printActions(const TLLaunchPlan& plan) {
+  std::size_t copies = 0;
+  std::int64_t bytes = 0;
+  for (const auto& action : plan.actions) {
+    if (action.kind == TLPlannedAction::Kind::command) {
+      fmt::print("  there     {}\n", action.target);
+      continue;
+    }
+    const bool tree = action.kind == TLPlannedAction::Kind::tree;
+    fmt::print("  {}    {} to {}:{} ({} bytes)\n", tree ? "trees " : "copies", action.source,
+               plan.farHost, action.target, action.bytes);
+    ++copies;
+    bytes += action.bytes;
+  }
+  if (copies > 0) fmt::print("  carries   {} copies, {} bytes\n", copies, bytes);
+}
+
+Json actionsJson(const TLLaunchPlan& plan) {
+  Json actions = Json::array();
+  for (const auto& action : plan.actions) {
+    Json entry = {{"kind", actionWord(action.kind)}, {"host", plan.farHost}};
+    if (action.kind == TLPlannedAction::Kind::command) {
+      entry["command"] = action.target;
+    } else {
+      entry["source"] = action.source;
+      entry["target"] = action.target;
+      entry["bytes"] = action.bytes;
+    }
+    actions.push_back(std::move(entry));
+  }
+  return actions;
+}
+
+Json mappedJson(const TLLaunchPlan& plan) {
+  Json mapped = Json::array();
+  for (const auto& path : plan.mapped)
+    mapped.push_back({{"here", path.here}, {"there", path.there}});
+  return mapped;
+}
+
 void printPlan(const TLSubTask& step, std::size_t position, const TLLaunchPlan& plan) {
   fmt::print("step {}  {}\n", position, step.name);
   if (!plan.program.empty()) {
@@ -78,7 +131,8 @@ void printPlan(const TLSubTask& step, std::size_t position, const TLLaunchPlan& 
   }
   if (!plan.runFile.empty()) fmt::print("  run file  {}\n", plan.runFile);
   for (const auto& file : plan.written) fmt::print("  writes    {}\n", file.path);
-  for (const auto& file : plan.carried) fmt::print("  carries   {}\n", file);
+  printActions(plan);
+  for (const auto& path : plan.mapped) fmt::print("  maps      {} to {}\n", path.here, path.there);
   for (std::size_t block = 0; block < plan.blockProcess.size(); ++block) {
     fmt::print("  block     {} on process {}\n", block + 1, plan.blockProcess[block]);
   }
@@ -105,6 +159,8 @@ Json planJson(const TLSubTask& step, std::size_t position, const TLLaunchPlan& p
           {"run_file", plan.runFile},
           {"writes", std::move(written)},
           {"carries", plan.carried},
+          {"transfers", actionsJson(plan)},
+          {"mapped", mappedJson(plan)},
           {"blocks", plan.blockProcess},
           {"script_lines", plan.scriptLines},
           {"submission", plan.submission},

@@ -7,6 +7,9 @@
 #include "doubles/TLScriptRecording.h"
 #include "doubles/TLVirtualMachineRecording.h"
 #include "launching/TLHostTransfer.h"
+#include "launching/TLLaunchPlan.h"
+#include "launching/TLLaunching.h"
+#include "launching/TLRemPathMapping.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
@@ -636,6 +639,82 @@ TEST_F(Transfers, OfAFailedStartAreRemoved) {
             "tlrsh|-l|me|win|rmdir \"C:\\my tmp\\tm_N\"\n");
   step->hostName = "here";
   EXPECT_EQ(discard(), "");
+}
+
+// ---- the plan of a launch ----------------------------------------------------------------------
+
+/// What a plan says in the words of the log.
+std::string planned(const TLLaunchPlan& plan) {
+  std::string text;
+  for (const auto& action : plan.actions) {
+    if (action.kind == TLPlannedAction::Kind::command) {
+      text += "tlrsh|-l|me|far|" + action.target + "\n";
+      continue;
+    }
+    std::string target = action.target;
+    if (target.ends_with('/')) target.pop_back();
+    text += std::string("tlrcp|-b|") + (action.kind == TLPlannedAction::Kind::tree ? "-r|" : "") +
+            action.source + "|far.me:" + target + "\n";
+  }
+  return std::regex_replace(text, std::regex("tm_NNN"), "tm_N");
+}
+
+TEST_F(Transfers, AreThoseOfThePlan) {
+  setTransfer(&transfer);
+  fullProject(dir);
+  unstructuredRun(dir, dir.file("gone/m.zyv"), dir.file("gone/old.run"));
+  std::filesystem::remove_all(dir.file("p/_mesh"));  // a star stands as it is where nothing matches
+  struct Case {
+    const char* name;
+    const char* executable;
+    std::vector<std::string> values;
+    int queue;
+    std::size_t actions;
+  };
+  const Case cases[] = {
+      {"VELSTRA", "velstraTurbo", {"w/duct.run", "w/duct.steering"}, 0, 28},
+      {"VELSTRA", "velstraTurbo", {"w/duct.run"}, 1, 30},
+      {"LUMBRAKE", "lumbrakesp", {"p/c/c.run", "p/c/c.p4pg"}, 0, 8},
+      {"Sculpt3d", "sculpt3d", {"w/duct.run"}, 0, 2},
+  };
+  for (const auto& test : cases) {
+    SCOPED_TRACE(test.name);
+    dir.write("w/duct.run", fullProject(dir));
+    dir.write("w/duct.steering", "steering");
+    dir.write("w/duct.sge", "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
+    std::vector<std::string> values;
+    for (const auto& name : test.values) values.push_back(dir.file(name));
+    makeStep(test.name, "far", values);
+    step->executable = test.executable;
+    step->loadBalancing.queuingSystemActivated = test.queue;
+    step->loadBalancing.queuingSystemQueue = "mpi";
+    step->loadBalancing.nbQueuingSystemProcessor = 2;
+    recordedVirtualMachine().spawns.clear();
+    TLRemPathMapping mapping("remote paths.txt", false);
+    const TLLaunchPlan plan =
+        run([&] { return planLaunch(*step, false, launchSite(), &readRunFileFacts, mapping); });
+    EXPECT_EQ(plan.actions.size(), test.actions);
+    EXPECT_EQ(log(), "") << "a plan does nothing";
+    EXPECT_EQ(run([&] { return launching().startStep(*step); }), 0);
+    std::string done;
+    std::string told;
+    std::istringstream lines(dir.read("log"));
+    for (std::string line; std::getline(lines, line);) {
+      if (line.starts_with("tl")) done += line + "\n";
+      if (line.starts_with("script")) told += line.substr(7) + "\n";
+    }
+    const std::regex number("tm_[0-9]*0001");
+    EXPECT_EQ(std::regex_replace(done, number, "tm_N"), planned(plan));
+    for (const auto& line : plan.scriptLines) {
+      const std::string first = line.substr(0, line.find('\n'));
+      EXPECT_THAT(std::regex_replace(told, number, "tm_NNN"), HasSubstr(first + "\n"));
+    }
+    if (test.queue != 0) continue;
+    std::vector<std::string> words = recordedVirtualMachine().spawns.at(0).words;
+    for (auto& word : words) word = std::regex_replace(word, number, "tm_NNN");
+    EXPECT_EQ(words, plan.words);
+  }
+  setTransfer(nullptr);
 }
 
 }  // namespace
