@@ -123,7 +123,6 @@ constexpr auto kSentences = std::to_array<SentenceRow>({
     {Kind::jobDeleted, "its job %d was deleted from the queue on request on host %h", false},
     {Kind::stoppedInWindow, "stopped from the task's window on host %h", false},
     {Kind::stoppedEarly, "never started: the task was stopped before its turn", false},
-    {Kind::stoppedLate, "it had ended when the task was stopped", false},
     {Kind::neverStarted, "never started on host %h: %d", false},
     {Kind::copyFailed,
      "never started: its files could not be copied to host %h; is its directory %d accessible and "

@@ -22,7 +22,6 @@ struct TLStepEnd {
     jobDeleted,       ///< the same; `detail` is the number of its job
     stoppedInWindow,  ///< the user asked for it in the task's window
     stoppedEarly,     ///< the task was stopped before its turn came
-    stoppedLate,      ///< it had ended when the task was stopped
     neverStarted,     ///< `detail`: why
     copyFailed,       ///< its files did not get to its host; `detail` is the directory there
     disabled,         ///< by the task file

@@ -34,7 +34,9 @@ void TLSubTask::noteEnd(TLStepEnd::Kind kind, const RWCString& detail) {
 void TLSubTask::noteStop(bool inWindow) {
   using Kind = TLStepEnd::Kind;
   if (isTerminal()) {
-    noteEnd(Kind::stoppedLate);
+    // Its status becomes another one, the cause stays.
+    explainEnd();
+    if (endReason.empty()) endReason = "it had ended when the task was stopped";
   } else if (status == Pending) {
     noteEnd(Kind::stoppedEarly);
   } else if (inWindow) {
