@@ -50,7 +50,7 @@ std::string exampleText(const TLCommand& command) {
 std::vector<TLCommand> allCommands() {
   std::vector<TLCommand> commands;
   for (const auto group : {runCommands, controlCommands, fileCommands, planCommands,
-                           balanceCommands, unitsCommands, steerCommands}) {
+                           balanceCommands, unitsCommands, steerCommands, reportCommands}) {
     for (auto& command : group()) commands.push_back(std::move(command));
   }
   return commands;

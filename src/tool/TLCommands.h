@@ -17,6 +17,7 @@ std::vector<TLCommand> fileCommands();     ///< check, show, rewrite
 std::vector<TLCommand> planCommands();     ///< plan
 std::vector<TLCommand> unitsCommands();    ///< units
 std::vector<TLCommand> steerCommands();    ///< steer, plot
+std::vector<TLCommand> reportCommands();   ///< report
 /// @}
 
 /// The live daemon that `who` means, with this process enrolled in the virtual machine. None, with

@@ -18,17 +18,17 @@ std::string nameList(const std::vector<TLRunState>& states) {
   return text;
 }
 
-bool isMeant(const TLRunState& state, const std::string& who) {
-  return state.taskName == who || fullPath(state.taskFile) == fullPath(who) ||
-         std::to_string(state.tid) == who;
-}
-
 }  // namespace
 
 std::string fullPath(const std::string& path) {
   std::error_code ignored;
   const auto canonical = std::filesystem::weakly_canonical(path, ignored);
   return canonical.empty() ? path : canonical.string();
+}
+
+bool isMeant(const TLRunState& state, const std::string& who) {
+  return state.taskName == who || fullPath(state.taskFile) == fullPath(who) ||
+         std::to_string(state.tid) == who;
 }
 
 bool isLive(const TLRunState& state) {

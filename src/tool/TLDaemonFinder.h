@@ -27,5 +27,7 @@ class TLDaemonFinder {
 
 /// True when the process of the state file exists on this host, or can't be seen from here.
 bool isLive(const TLRunState& state);
+/// True when `who` names this run: by the path of its task file, its task, or its daemon.
+bool isMeant(const TLRunState& state, const std::string& who);
 /// The full path of a file, links resolved where it exists.
 std::string fullPath(const std::string& path);

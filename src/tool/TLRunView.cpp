@@ -88,6 +88,10 @@ std::string countText(const TLRunState& state) {
     const std::size_t count = counts[static_cast<std::size_t>(status)];
     if (count > 0) text += fmt::format(", {} {}", count, statusText(status));
   }
+  const auto remarks = std::ranges::count_if(state.steps, [](const TLRunStateStep& step) {
+    return step.status == 2 && !step.reason.empty();
+  });
+  if (remarks > 0) text += fmt::format("; {} ok with a remark", remarks);
   return text;
 }
 
