@@ -57,7 +57,8 @@ svg { max-width: 100%; } svg.plot, svg.time { width: 100%; height: auto; display
 .c3 { stroke: var(--c3); } .c4 { stroke: var(--c4); } .c5 { stroke: var(--c5); }
 .legend { display: flex; flex-wrap: wrap; gap: .2rem 1.4rem; margin: .3rem 0 0; }
 .legend b { font-weight: 600; font-variant-numeric: tabular-nums; }
-.bar { fill: var(--run); } .b0 { fill: var(--wait); } .b1 { fill: var(--run); }
+.load { width: 100%; height: .8em; fill: var(--run); } .share { width: 50%; }
+.blocks { margin-bottom: .6rem; } .b0 { fill: var(--wait); } .b1 { fill: var(--run); }
 .b2 { fill: var(--ok); } .b3, .b4 { fill: var(--bad); } .b5 { fill: var(--stop); }
 footer { margin-top: 2.5rem; color: var(--soft); font-size: .85rem; }
 @page { margin: 15mm; }
@@ -65,7 +66,8 @@ footer { margin-top: 2.5rem; color: var(--soft); font-size: .85rem; }
   --ok: #1a7f4b; --bad: #c02b2b; --run: #1f6fb2; --wait: #6b7584; --stop: #9a6400;
   --c0: #1f6fb2; --c1: #c9570c; --c2: #2a8a4e; --c3: #8a3fa8; --c4: #b01e4f; --c5: #6a6f00; }
   body { padding: 0; max-width: none; font-size: 10.5pt; print-color-adjust: exact; }
-  .log, .command { max-height: none; } h2 { break-after: avoid; } tr { break-inside: avoid; } }
+  .log, .command { max-height: none; } .card { break-inside: auto; }
+  h2, h3 { break-after: avoid; } tr, svg, .reason { break-inside: avoid; } }
 )";
 
 // Signs beside the words, so that states differ by more than their colour.
@@ -136,19 +138,25 @@ std::string blockTable(const TLKeptStep& step) {
   for (const auto& [process, load] : loads) {
     largest = std::max(largest, weighed ? load.cells : static_cast<double>(load.blocks));
   }
+  const bool blocks = !step.blockProcess.empty();
   std::string html = fmt::format(
-      "<table><tr><th class=\"number\">process</th><th>host</th><th class=\"number\">blocks</th>"
-      "{}<th style=\"width:40%\"></th></tr>\n",
+      "<p class=\"soft\">{} on {} processes</p>\n<table class=\"blocks\"><tr><th>process</th>"
+      "<th>host</th>{}{}<th class=\"share\"></th></tr>\n",
+      blocks ? fmt::format("{} blocks", step.blockProcess.size()) : "Ran", loads.size(),
+      blocks ? "<th class=\"number\">blocks</th>" : "",
       weighed ? "<th class=\"number\">cells</th>" : "");
   for (const auto& [process, load] : loads) {
     const auto at = static_cast<std::size_t>(std::max(process, 0));
     const double share = (weighed ? load.cells : static_cast<double>(load.blocks)) / largest;
     html += fmt::format(
-        "<tr><td class=\"number\">{}</td><td>{}</td><td class=\"number\">{}</td>{}<td><svg "
-        "viewBox=\"0 0 100 5\" preserveAspectRatio=\"none\" style=\"width:100%;height:.8em\"><rect "
-        "width=\"{:.1f}\" height=\"5\" class=\"bar\"/></svg></td></tr>\n",
-        process, at < step.processHosts.size() ? htmlText(step.processHosts[at]) : "", load.blocks,
-        weighed ? fmt::format("<td class=\"number\">{:.0f}</td>", load.cells) : "", 100 * share);
+        "<tr><td>{}</td><td>{}</td>{}{}<td>{}</td></tr>\n", process,
+        at < step.processHosts.size() ? htmlText(step.processHosts[at]) : "",
+        blocks ? fmt::format("<td class=\"number\">{}</td>", load.blocks) : "",
+        weighed ? fmt::format("<td class=\"number\">{:.0f}</td>", load.cells) : "",
+        blocks ? fmt::format("<svg viewBox=\"0 0 100 5\" preserveAspectRatio=\"none\" "
+                             "class=\"load\"><rect width=\"{:.1f}\" height=\"5\"/></svg>",
+                             100 * share)
+               : "");
   }
   return html + "</table>\n";
 }
@@ -268,21 +276,47 @@ std::string TLReportPage::stepDetails(std::size_t position) const {
                      htmlText(step.name), stateText(step), html);
 }
 
+// The output of all steps lies in one file, each line behind the sign of its process.
+std::string TLReportPage::namedLog(std::string_view text) const {
+  std::map<std::string, std::string, std::less<>> names;
+  std::size_t widest = 0;
+  for (const auto& step : kept_.run.steps) {
+    for (const std::int32_t tid : step.children) {
+      names[fmt::format("[t{:x}]", tid)] = step.name;
+      widest = std::max(widest, step.name.size());
+    }
+  }
+  std::string named;
+  while (!text.empty()) {
+    const std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
+    const auto blank = line.find(' ');
+    const auto name = blank == line.npos ? names.end() : names.find(line.substr(0, blank));
+    const std::string_view said = name == names.end() ? line : line.substr(blank + 1);
+    if (name != names.end() && (said == "BEGIN" || said == "EOF")) continue;
+    named += name == names.end() ? fmt::format("{}\n", said)
+                                 : fmt::format("{:<{}}  {}\n", name->second, widest, said);
+  }
+  return named;
+}
+
 std::string TLReportPage::log() const {
   const std::string& file = kept_.run.logFile;
-  auto text = file.empty() ? std::nullopt : hostForm().readFile(file);
-  if (!text || text->empty()) return {};
-  std::size_t start = text->size() > kMostLogBytes ? text->size() - kMostLogBytes : 0;
-  std::size_t at = text->size();
-  for (std::size_t lines = 0; lines <= kMostLogLines && at != std::string::npos && at > start;
-       ++lines) {
-    at = text->rfind('\n', at - 1);
+  const auto text = file.empty() ? std::nullopt : hostForm().readFile(file);
+  if (!text) return {};
+  const std::string named = namedLog(*text);
+  if (named.empty()) return {};
+  // The last lines, as many as somebody may look through.
+  std::size_t start = named.size();
+  for (std::size_t lines = 0; lines <= kMostLogLines && start != std::string::npos; ++lines) {
+    start = start == 0 ? std::string::npos : named.rfind('\n', start - 1);
   }
-  if (at != std::string::npos && at > start) start = at + 1;
+  const std::size_t longest = named.size() > kMostLogBytes ? named.size() - kMostLogBytes : 0;
+  start = std::max(start == std::string::npos ? 0 : start + 1, longest);
   return fmt::format(
       "<h2>{}</h2>\n<p class=\"soft file\">{}</p>\n<pre class=\"card log\">{}</pre>\n",
       start > 0 ? "The end of the steps' output" : "The steps' output", htmlText(file),
-      htmlText(std::string_view(*text).substr(start)));
+      htmlText(std::string_view(named).substr(start)));
 }
 
 std::string TLReportPage::html() const {

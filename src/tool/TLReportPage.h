@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "taskengine/TLKeptRun.h"
 
@@ -19,6 +20,7 @@ class TLReportPage {
   std::string timeline() const;
   std::string stepDetails(std::size_t position) const;
   std::string log() const;
+  std::string namedLog(std::string_view text) const;
   double endOf(const TLRunStateStep& step) const;
 
   const TLKeptRun& kept_;

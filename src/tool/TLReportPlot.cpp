@@ -118,6 +118,9 @@ std::string htmlText(std::string_view text) {
       case '"':
         html += "&quot;";
         break;
+      case '\'':
+        html += "&#39;";
+        break;
       default:
         if (static_cast<unsigned char>(c) >= 0x20 || c == '\n' || c == '\t') html += c;
     }

@@ -154,6 +154,11 @@ TEST_F(Tlctl, TellsWhyAStepDied) {
   ASSERT_NE(log, std::string::npos) << answer.text;
   const std::string path = answer.text.substr(log + 7, answer.text.find('\n', log) - log - 7);
   EXPECT_THAT(textOf(path), HasSubstr("last words")) << "kept for later";
+  EXPECT_EQ(run({"report", "nothing", "-o", directory_ / "page"}).code, 3);
+  EXPECT_EQ(run({"report", "some task", "-o", directory_ / "page"}).code, 0);
+  const std::string page = textOf(directory_ / "page");
+  EXPECT_THAT(page, HasSubstr("SOLVE  last words"));
+  EXPECT_THAT(page, HasSubstr("<pre>negative volume\n</pre>"));
 }
 
 TEST_F(Tlctl, TalksToADaemonThatWasLeft) {
