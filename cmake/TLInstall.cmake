@@ -37,7 +37,20 @@ install(DIRECTORY share/_tcl/_taskManager DESTINATION ${TL_TCL_DIR}
 if(EXISTS ${PROJECT_SOURCE_DIR}/share/bin)
   install(DIRECTORY share/bin/ DESTINATION ${TL_BIN_DIR} USE_SOURCE_PERMISSIONS)
 endif()
+
+# Manual pages: those of share/man, and those made from the documents and from tlctl's own help.
+find_package(Python3 REQUIRED COMPONENTS Interpreter)
+set(TL_MADE_MANUAL tlctl.1 tlctl-run.1 tlctl-control.1 tlctl-prepare.1 tlctl-results.1
+  tltaskmgr-task.5 tltaskmgr-status.5 tltaskmgr-messages.7)
+file(GLOB TL_DOCUMENTS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.md)
+add_custom_command(OUTPUT manual.stamp
+  COMMAND Python3::Interpreter ${PROJECT_SOURCE_DIR}/scripts/manual-pages $<TARGET_FILE:tlctl> man
+  COMMAND ${CMAKE_COMMAND} -E touch manual.stamp
+  DEPENDS tlctl scripts/manual-pages ${TL_DOCUMENTS} VERBATIM)
+add_custom_target(manual DEPENDS manual.stamp)
+add_dependencies(suite manual)
 install(DIRECTORY share/man share/completion DESTINATION ${TL_PRODUCT}/share COMPONENT staged)
+install(DIRECTORY ${PROJECT_BINARY_DIR}/man DESTINATION ${TL_PRODUCT}/share COMPONENT staged OPTIONAL)
 
 # The script libraries, under the names that the suite has always used and under their own.
 find_path(TL_TCL_SCRIPTS init.tcl PATHS /usr/share/tcltk/tcl8.6 /usr/lib/tcl8.6 REQUIRED)

@@ -23,15 +23,6 @@ function(tl_package_compressed component source target)
     COMPONENT ${component} EXCLUDE_FROM_ALL)
 endfunction()
 
-# tl_package_manual(COMPONENT PAGE...): manual pages, as "tlctl.1".
-function(tl_package_manual component)
-  foreach(page ${ARGN})
-    string(REGEX REPLACE "^.*\\." "" section ${page})
-    tl_package_compressed(${component} ${PROJECT_SOURCE_DIR}/share/man/man${section}/${page}
-      /usr/share/man/man${section}/${page})
-  endforeach()
-endfunction()
-
 # The machine's settings. The tree looks for them beside itself and finds this link.
 set(TL_SUITE_PLACE ${TL_PACKAGE_ROOT})
 set(TL_PVM_ROOT /usr/lib/pvm3)
@@ -53,17 +44,21 @@ tl_package_link(examples /usr/bin/tltaskmgr-demo
   ../lib/tltaskmgr/${TL_EXAMPLES_DIR}/heat/run-demo)
 
 # Manual pages: those of tlctl and of the demo go with their programs.
-file(GLOB TL_MANUAL CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}/share/man
-  ${PROJECT_SOURCE_DIR}/share/man/man?/*.?)
-list(TRANSFORM TL_MANUAL REPLACE "^.*/" "")
+file(GLOB TL_MANUAL CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/share/man/man?/*.?)
+foreach(page ${TL_MADE_MANUAL})
+  string(REGEX REPLACE "^.*\\." "" section ${page})
+  list(APPEND TL_MANUAL ${PROJECT_BINARY_DIR}/man/man${section}/${page})
+endforeach()
 foreach(page ${TL_MANUAL})
-  if(page MATCHES "^tlctl")
-    tl_package_manual(tools ${page})
-  elseif(page MATCHES "-demo")
-    tl_package_manual(examples ${page})
-  else()
-    tl_package_manual(daemon ${page})
+  get_filename_component(name ${page} NAME)
+  string(REGEX REPLACE "^.*\\." "" section ${name})
+  set(component daemon)
+  if(name MATCHES "^tlctl")
+    set(component tools)
+  elseif(name MATCHES "-demo")
+    set(component examples)
   endif()
+  tl_package_compressed(${component} ${page} /usr/share/man/man${section}/${name})
 endforeach()
 
 install(FILES share/completion/tlctl.bash DESTINATION /usr/share/bash-completion/completions
@@ -74,6 +69,8 @@ install(FILES share/completion/tlctl.fish DESTINATION /usr/share/fish/vendor_com
   COMPONENT tools EXCLUDE_FROM_ALL)
 
 # Documents, and the sources of the examples to read and to begin with.
+install(FILES README.md CONTRIBUTING.md DESTINATION /usr/share/doc/tltaskmgr
+  COMPONENT daemon EXCLUDE_FROM_ALL)
 install(DIRECTORY docs DESTINATION /usr/share/doc/tltaskmgr COMPONENT daemon EXCLUDE_FROM_ALL
   FILES_MATCHING PATTERN "*.md" PATTERN "*.png" PATTERN "*.svg")
 install(DIRECTORY examples/heat DESTINATION /usr/share/doc/tltaskmgr-examples/examples
