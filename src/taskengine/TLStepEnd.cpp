@@ -125,8 +125,7 @@ constexpr auto kSentences = std::to_array<SentenceRow>({
     {Kind::stoppedEarly, "never started: the task was stopped before its turn", false},
     {Kind::neverStarted, "never started on host %h: %d", false},
     {Kind::copyFailed,
-     "never started: its files could not be copied to host %h; is its directory %d accessible and "
-     "not full?",
+     "never started: its files could not be copied to host %h: %d",
      false},
     {Kind::disabled, "skipped: the step is disabled", false},
     {Kind::behindFailure, "skipped: disabled because %d failed before it", false},

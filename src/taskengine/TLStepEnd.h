@@ -23,7 +23,7 @@ struct TLStepEnd {
     stoppedInWindow,  ///< the user asked for it in the task's window
     stoppedEarly,     ///< the task was stopped before its turn came
     neverStarted,     ///< `detail`: why
-    copyFailed,       ///< its files did not get to its host; `detail` is the directory there
+    copyFailed,       ///< its files did not get to its host; `detail`: why
     disabled,         ///< by the task file
     behindFailure,    ///< disabled in this run; `detail` names the step that failed
     needless,         ///< there was nothing to do for it

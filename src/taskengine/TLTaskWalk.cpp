@@ -31,7 +31,8 @@ void noteFailedStart(TLSubTask& step, int result) {
   if (result == TLSubTask::kCopyFailed && !step.transfer.problem.empty()) {
     step.noteEnd(TLStepEnd::Kind::neverStarted, step.transfer.problem);
   } else if (result == TLSubTask::kCopyFailed) {
-    step.noteEnd(TLStepEnd::Kind::copyFailed, step.remoteTmpDir);
+    step.noteEnd(TLStepEnd::Kind::copyFailed,
+                 "is its directory " + step.remoteTmpDir + " accessible and not full?");
   } else if (!step.isQueued()) {
     step.noteEnd(TLStepEnd::Kind::neverStarted, failedStartText(result));
   }

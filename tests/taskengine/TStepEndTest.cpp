@@ -47,9 +47,8 @@ TEST(StepEnd, EveryEndHasItsSentence) {
        "its job failed or was removed on host h: the queue says: 17 EXIT; E; L; log: /l"},
       {Kind::jobDeleted, "17", -1, false, false, false,
        "its job 17 was deleted from the queue on request on host h"},
-      {Kind::copyFailed, "/t%h", -1, false, false, false,
-       "never started: its files could not be copied to host h; is its directory /t%h accessible "
-       "and not full?"},
+      {Kind::copyFailed, "/t%h is full", -1, false, false, false,
+       "never started: its files could not be copied to host h: /t%h is full"},
   };
   for (const Case& test : cases) {
     TLStepEnd end;
@@ -112,7 +111,7 @@ TEST_F(StepEndTest, WhatTheEngineSeesIsTold) {
   for (const auto& step : task->subTasks) reasons.push_back(step->endReason);
   EXPECT_EQ(reasons,
             (Lines{"exited with status 2 on host far",
-                   "never started: its files could not be copied to host far; is its directory "
+                   "never started: its files could not be copied to host far: is its directory "
                    "C:\\tmp accessible and not full?",
                    "lost with its host: far has left the virtual machine",
                    "ended without a word on host far",

@@ -169,14 +169,16 @@ namespace eval ::taskWindow {
 
   # In a few words, what the state doesn't tell: why a step ended, how far one has come that runs.
   proc remark {step} {
-    set reason [string map {"\n" " "} [field $step reason]]
-    if {$reason ne "" && [dict get $step status] >= 2} { return $reason }
-    if {[dict get $step status] >= 2} { return "" }
     set parts {}
-    set silent [silence $step]
-    if {$silent ne ""} { lappend parts $silent }
-    set transfer [transfer $step]
-    if {$transfer ne ""} { lappend parts $transfer }
+    set ended [expr {[dict get $step status] >= 2}]
+    set known [list [expr {$ended ? [field $step reason] : [silence $step]}] [transfer $step]]
+    foreach text $known {
+      # What went wrong with the files may be why it ended.
+      if {$text ne "" && [string first $text [lindex $parts 0]] < 0} {
+        lappend parts [string map {"\n" " "} $text]
+      }
+    }
+    if {$ended} { return [join $parts "; "] }
     if {[field $step queue_state] ne ""} {
       lappend parts "job [field $step job 0]: [field $step queue_state]"
     }
@@ -214,7 +216,9 @@ namespace eval ::taskWindow {
   proc silence {step} {
     set since [field $step silent_since 0]
     if {$since <= 0} { return "" }
-    return "host [dict get $step host] not answering since [clockTime $since]"
+    set host [field $step silent_host [dict get $step host]]
+    set waits [expr {[dict get $step status] == 0 ? "waits: " : ""}]
+    return "${waits}host $host not answering since [clockTime $since]"
   }
 
   # The details of the chosen step: all of its remark, and what it last said.
