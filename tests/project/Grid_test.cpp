@@ -9,19 +9,6 @@ namespace {
 
 constexpr auto kStructured = TLProjectType::structured;
 
-TEST(Grid, GeneratedMeshesRoundTrip) {
-  RunFileOptions options;
-  options.blocks = {3, 2, 2};
-  options.patchesPerFace = 3;
-  options.fullNonMatching = 2;
-  options.sizeSpread = 8;
-  for (const bool unstructured : {false, true}) {
-    options.unstructured = unstructured;
-    const auto text = RunFileGenerator(options).grid();
-    EXPECT_EQ(rewritten<TLGrid>(text, unstructured ? TLProjectType::hexa : kStructured), text);
-  }
-}
-
 // The patches of three lists go under one key, each behind those of the list before.
 TEST(Grid, MeridionalPatches) {
   const auto text = rewritten<TLGrid>(

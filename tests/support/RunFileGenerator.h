@@ -35,15 +35,15 @@ struct RunFileOptions {
   std::uint32_t seed = 1;
 };
 
-/// Writes run files of any size as the suite's programs write them, without using the records that
-/// read them: what is generated is an independent check on readers and writers.
+/// Makes run files of any size. The sections of the mesh are made in short and put out by its own
+/// records: that those write what they should is seen on the run files of the project's tests.
 class RunFileGenerator {
  public:
   explicit RunFileGenerator(RunFileOptions options) : options_(std::move(options)) {}
 
   /// A whole run file.
   std::string runFile() const;
-  /// The lines of the block "grid_bc", exactly as a grid of these options is written.
+  /// The lines of the block "grid_bc".
   std::string grid() const;
 
   int blockCount() const { return options_.blocks[0] * options_.blocks[1] * options_.blocks[2]; }
@@ -58,7 +58,6 @@ class RunFileGenerator {
   std::array<int, 3> placeOf(int block) const;
   void appendBlock(std::string& out, int block) const;
   void appendHexaSections(std::string& out, int block) const;
-  void appendFace(std::string& out, int block, int face) const;
   void appendCondition(std::string& out, int block, int face, int patch) const;
   void appendConnections(std::string& out) const;
 
