@@ -45,9 +45,12 @@ TEST(Settings, ValuesReferToTheEnvironmentAndTheFilesPlace) {
   ::setenv("TL_TEST_SET", "/set", 1);
   ::unsetenv("TL_TEST_UNSET");
   const std::pair<const char*, const char*> cases[] = {
-      {"${SETTINGS_DIR}/mire71", "/suite/mire71"}, {"${TL_TEST_SET:-/tmp}", "/set"},
-      {"${TL_TEST_UNSET:-/tmp}", "/tmp"},          {"a${TL_TEST_UNSET}b${TL_TEST_SET}", "ab/set"},
-      {"$HOME ${open", "$HOME ${open"},            {"", ""},
+      {"${SETTINGS_DIR}/mire71", "/suite/mire71"},
+      {"${TL_TEST_SET:-/tmp}", "/set"},
+      {"${TL_TEST_UNSET:-/tmp}", "/tmp"},
+      {"a${TL_TEST_UNSET}b${TL_TEST_SET}", "ab/set"},
+      {"$HOME ${open", "$HOME ${open"},
+      {"", ""},
   };
   for (const auto& [value, expected] : cases) {
     EXPECT_EQ(TLIniSettings::expanded(value, "/suite"), expected);

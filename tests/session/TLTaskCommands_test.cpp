@@ -1,15 +1,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
+#include "platform/TTempDir.h"
 #include "session/TLScript.h"
 #include "session/TLTaskCommands.h"
 #include "session/TLTestSession.h"
 #include "taskengine/TLCurrentTask.h"
 #include "taskengine/TLTaskChildren.h"
-#include "taskengine/TLTaskGlobals.h"
 
 namespace fs = std::filesystem;
 
@@ -22,14 +20,10 @@ class TLTaskCommandsTest : public ::testing::Test {
     testSession();
     registerTaskCommands();
     setCurrentTask(new TLTaskChildren);
-    std::string pattern = (fs::temp_directory_path() / "tlcommandsXXXXXX").string();
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    directory_ = pattern;
   }
   void TearDown() override {
     gCurrentTask->clearSubTasks();
     setCurrentTask(nullptr);
-    fs::remove_all(directory_);
   }
 
   static TLSubTask& addStep(const RWCString& name, const RWCString& executable,
@@ -45,20 +39,10 @@ class TLTaskCommandsTest : public ::testing::Test {
     EXPECT_EQ(evalScript(command), 0) << command;
     return scriptResult();
   }
-  RWCString path(const char* name) const { return (directory_ / name).string(); }
-  static std::string contents(const fs::path& file) {
-    std::ifstream in(file);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
+  RWCString path(const char* name) const { return files_.file(name); }
 
-  fs::path directory_;
+  TTempDir files_;
 };
-
-TEST_F(TLTaskCommandsTest, hostOfTheStepStartedLast) {
-  gTaskHostName = "node17";
-  EXPECT_EQ(ask("get_task_host_name"), "node17");
-  gTaskHostName.clear();
-}
 
 TEST_F(TLTaskCommandsTest, checkKillFindsTheRunningSolverOfThisTask) {
   gCurrentTask->name = "wing";
@@ -86,22 +70,18 @@ TEST_F(TLTaskCommandsTest, stopOfOneSolverByItsFile) {
   step.status = TLSubTask::Running;
   EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 0");
   EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "1");
-  EXPECT_EQ(contents(directory_ / "stop.now"), "Q\n");
+  EXPECT_EQ(files_.read("stop.now"), "Q\n");
   EXPECT_EQ(step.stopRequest, 1);
   EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 1");
   step.stopRequest = 2;
   EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "0 -1");
-}
-
-TEST_F(TLTaskCommandsTest, stopFileThatCannotBeMadeHasNoResult) {
-  TLSubTask& step = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running);
+  step.arguments.clear();
   step.arguments.append("-machinefile", "/no/such/directory/machines.txt");
-  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "");
-  EXPECT_EQ(step.stopRequest, 1);
+  EXPECT_EQ(ask("itf_stop_subtask_quorelcfd 0"), "") << "a file that can't be made has no result";
 }
 
 TEST_F(TLTaskCommandsTest, marineEndAsksRunningToolsAndStopsAll) {
-  for (const char* name : {"solver", "probes", "waiting"}) fs::create_directory(directory_ / name);
+  for (const char* name : {"solver", "probes", "waiting"}) fs::create_directory(path(name));
   const auto add = [&](const char* name, const char* executable, std::int32_t status,
                        const char* type, const char* file) {
     TLSubTask& step = addStep(name, executable, status);
@@ -115,9 +95,9 @@ TEST_F(TLTaskCommandsTest, marineEndAsksRunningToolsAndStopsAll) {
   waiting.arguments.append("none", path("waiting/wing.sim"));
   add("PREMETIS", "premetis", TLSubTask::Running, "none", "x");
   EXPECT_EQ(ask("itf_kill_current_task_marine"), "");
-  EXPECT_EQ(contents(directory_ / "solver/stop.now"), "Q\n");
-  EXPECT_EQ(contents(directory_ / "probes/stop_postprocessing.now"), "Q\n");
-  EXPECT_TRUE(fs::is_empty(directory_ / "waiting"));
+  EXPECT_EQ(files_.read("solver/stop.now"), "Q\n");
+  EXPECT_EQ(files_.read("probes/stop_postprocessing.now"), "Q\n");
+  EXPECT_TRUE(fs::is_empty(path("waiting")));
   for (const auto& step : gCurrentTask->subTasks) EXPECT_EQ(step->status, TLSubTask::Stopped);
 }
 
@@ -144,15 +124,6 @@ TEST_F(TLTaskCommandsTest, residualsGoToAScriptThatWantsThem) {
   ask("task_update");
   EXPECT_EQ(ask("set {tl_series(mass flow)}"), "0 1 0.5");
   ask("unset tl_series tl_series_wanted");
-}
-
-bool gEnded = false;
-
-TEST_F(TLTaskCommandsTest, exitGoesTheOneOrderlyWay) {
-  setTaskManagerEnd([] { gEnded = true; });
-  ask("exit_taskmanagerc");
-  setTaskManagerEnd(nullptr);
-  EXPECT_TRUE(gEnded);
 }
 
 TEST_F(TLTaskCommandsTest, withoutATaskNothingIsAnswered) {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/TTempDir.h"
 #include "session/TLScript.h"
 #include "session/TLTestSession.h"
 
@@ -24,9 +25,6 @@ RWCString value(const RWCString& script) {
 class TaskDaemonLayerTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "tllayerXXXXXX").string();
-    ASSERT_NE(::mkdtemp(pattern.data()), nullptr);
-    directory_ = pattern;
     testSession();
     value("set env(TL_PVM_USER_DIR) {" + directory_.string() + "}; set env(TL_UPDATE_MS) 5");
     value("proc get_task_name {} {return wing}; set cycles 0; set depth 0; set deepest 0");
@@ -37,7 +35,6 @@ class TaskDaemonLayerTest : public ::testing::Test {
       EXPECT_EQ(sourceFile(RWCString(TL_TEST_SHARE) + "/_tcl/_taskManager/taskDaemon.tcl"), 0);
     }
   }
-  void TearDown() override { fs::remove_all(directory_); }
 
   /// Handles events until the script's expression holds.
   static bool until(const RWCString& expression) {
@@ -52,7 +49,8 @@ class TaskDaemonLayerTest : public ::testing::Test {
     return value("$::taskWindow::view.text get 1.0 end-1c");
   }
 
-  fs::path directory_;
+  const TTempDir files_;
+  const fs::path directory_{files_.path()};
 };
 
 TEST_F(TaskDaemonLayerTest, cyclesFollowEachOtherAndNeverNest) {

@@ -9,11 +9,7 @@
 namespace {
 
 TEST(TclResultStream, formsTheListSyntaxOfTheScript) {
-  struct Case {
-    const char* expected;
-    std::function<void(ResultStream&)> write;
-  };
-  const std::vector<Case> cases = {
+  const std::pair<const char*, std::function<void(ResultStream&)>> cases[] = {
       {"", [](ResultStream&) {}},
       {"yes", [](ResultStream& r) { r.write("yes"); }},
       {"first {second} ", [](ResultStream& r) { r.write("first"), r.write("second"); }},
@@ -39,15 +35,12 @@ TEST(TclResultStream, formsTheListSyntaxOfTheScript) {
       {"ab", [](ResultStream& r) { r.writeRaw("a"), r.writeRaw("b"); }},
       {"1why", [](ResultStream& r) { r.write(1), r.setCode(3, "why"); }},
   };
-  for (const Case& c : cases) {
+  for (const auto& [expected, write] : cases) {
     std::ostringstream out;
     TclResultStream result(&out);
-    c.write(result);
-    EXPECT_EQ(out.str(), c.expected);
+    write(result);
+    EXPECT_EQ(out.str(), expected);
   }
-}
-
-TEST(TclResultStream, resultCodes) {
   std::ostringstream out;
   TclResultStream result(&out);
   EXPECT_EQ(result.code(), 0);
@@ -115,20 +108,12 @@ TEST(TclArgStream, failedConversionLeavesDestinationAndStopsReading) {
     EXPECT_EQ(letter, 'q');
   });
   fails("{unbalanced", [](TclArgStream& in) { in.enterList(); });
-}
-
-TEST(TclArgStream, longestWord) {
-  const std::string longest(9999, 'w');
   const std::string tooLong(10000, 'w');
-  const char* words[] = {longest.c_str(), tooLong.c_str()};
-  TclArgStream in(2, words);
-  RWCString text;
-  in.readString(text);
-  EXPECT_EQ(text, longest);
-  text = "kept";
-  in.readString(text);
-  EXPECT_EQ(text, "kept");
-  EXPECT_EQ(in.failed(), 6);
+  fails(tooLong.c_str(), [](TclArgStream& in) {
+    RWCString text = "kept";
+    in.readString(text);
+    EXPECT_EQ(text, "kept");
+  });
 }
 
 TEST(TclArgStream, nestedLists) {
@@ -155,14 +140,6 @@ TEST(TclArgStream, nestedLists) {
   in.leaveList();
   in.readString(text);
   EXPECT_EQ(text, "a {1 {2 3}} b");
-}
-
-TEST(TclArgStream, startsAtItsEndWithoutWords) {
-  TclArgStream in(0, nullptr);
-  RWCString text = "kept";
-  EXPECT_EQ(in.atEnd(), 1);
-  in.readString(text);
-  EXPECT_EQ(text, "kept");
 }
 
 }  // namespace

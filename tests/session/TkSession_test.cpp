@@ -2,11 +2,11 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <iostream>
 #include <sstream>
 
 #include "platform/TLConsole.h"
+#include "platform/TTempDir.h"
 #include "session/TLScript.h"
 #include "session/TLScriptCommand.h"
 #include "session/TLTestSession.h"
@@ -15,8 +15,6 @@
 namespace {
 
 using ::testing::HasSubstr;
-using ::testing::MatchesRegex;
-using ::testing::StartsWith;
 
 /// What `script` answers in the session.
 RWCString value(const RWCString& script) {
@@ -51,41 +49,16 @@ TEST(TkSession, variables) {
   EXPECT_EQ(value("set env(TURNKEY_INP_PATH)"), "");
 }
 
-TEST(TkSession, toolkitsAreThere) {
-  testSession();
-  EXPECT_EQ(value("winfo exists ."), "1");
-  EXPECT_EQ(value("tixLabelEntry .entry; blt::graph .graph; ttk::button .button; "
-                  "destroy .entry .graph .button; expr 1"),
-            "1");
-}
-
-TEST(TkSession, updateHandlesWhatIsDueAndWhatTheDisplayAnswers) {
-  testSession();
-  EXPECT_EQ(value("set log {}; after idle {lappend log idle}; after 0 {lappend log timer};"
-                  "update; lsort $log"),
-            "idle timer");
-  // A new window is there, mapped and told of its size, when the update behind it returns, whether
-  // or not another one has just asked for nothing.
-  EXPECT_EQ(value("update; toplevel .t -width 321 -height 123; set seen {};"
-                  "bind .t <Configure> {lappend seen %w}; update; update;"
-                  "set mapped [winfo ismapped .t]; destroy .t; update; list $mapped $seen"),
-            "1 321");
-  EXPECT_EQ(value("update idletasks; catch {update nonsense} text; set text"),
-            "bad option \"nonsense\": must be idletasks");
-}
-
 TEST(TkSession, fileReadableOpensTheFile) {
   testSession();
-  const auto path = std::filesystem::temp_directory_path() /
-                    ("tl session " + std::to_string(::getpid()) + " [x]");
-  std::ofstream(path) << "text";
-  const RWCString name = "{" + path.string() + "}";
+  const TTempDir files;
+  const RWCString name = "{" + files.write("a [x]", "text") + "}";
   EXPECT_EQ(value("file readable " + name), "1");
   EXPECT_EQ(value("file exists " + name), "1");
   EXPECT_EQ(value("file size " + name), "4");
   EXPECT_EQ(value("file tail {/a b/c d}"), "c d");
   EXPECT_EQ(value("file join a {b c} d"), "a/b c/d");
-  std::filesystem::remove(path);
+  std::filesystem::remove(files.file("a [x]"));
   EXPECT_EQ(value("file readable " + name), "0");
   std::ostringstream printed;
   const TLConsoleRedirect redirect(printed);
@@ -143,25 +116,19 @@ TEST(TkSession, registeredCommands) {
   EXPECT_EQ(value("catch {sum_of_two x} text; set text"), "100 not a number");
 }
 
-class CountedAction : public TLAction {
- public:
-  CountedAction(int& count, int again) : count_(count), again_(again) {}
+struct CountedAction : TLAction {
+  explicit CountedAction(int& left) : left_(left) {}
   void run() override {
-    ++count_;
-    if (again_ > 0) testSession().postAction(makeHandle<CountedAction>(count_, again_ - 1));
+    if (--left_ > 0) testSession().postAction(makeHandle<CountedAction>(left_));
   }
-
- private:
-  int& count_;
-  int again_;
+  int& left_;
 };
 
 TEST(TkSession, postedActionsRunUntilNoneIsLeft) {
-  int count = 0;
-  testSession().postAction(makeHandle<CountedAction>(count, 2));
-  testSession().postAction(makeHandle<CountedAction>(count, 0));
+  int left = 3;
+  testSession().postAction(makeHandle<CountedAction>(left));
   testSession().runPostedActions();
-  EXPECT_EQ(count, 4);
+  EXPECT_EQ(left, 0);
 }
 
 [[noreturn]] void runUntilTheWindowIsGone() {
