@@ -109,6 +109,10 @@ TEST(TclArgStream, failedConversionLeavesDestinationAndStopsReading) {
   });
   fails("{unbalanced", [](TclArgStream& in) { in.enterList(); });
   const std::string tooLong(10000, 'w');
+  const char* word = tooLong.c_str() + 1;
+  RWCString longest;
+  TclArgStream(1, &word).readString(longest);
+  EXPECT_EQ(longest.size(), 9999U);
   fails(tooLong.c_str(), [](TclArgStream& in) {
     RWCString text = "kept";
     in.readString(text);
