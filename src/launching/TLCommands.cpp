@@ -1,6 +1,8 @@
 #include "launching/TLCommands.h"
 
 #include <array>
+#include <memory>
+#include <string>
 
 #include "launching/TLPathText.h"
 #include "session/TLScript.h"
@@ -93,20 +95,35 @@ RWCString cleaned(const RWCString& path, bool local) {
   return stripTrailingSlashes(plain ? path : collapseBackslashes(path));
 }
 
-RWCString copyOutputFile() {
-  return hostForm().variableOrEmpty("TMP_DIR") + hostForm().separator() + "rcp.out";
-}
+/// Where a copy tool says how it went. Another process of the same user that copies at the moment
+/// has the usual file: this one's is then its own.
+class CopyOutput {
+ public:
+  CopyOutput()
+      : lock_(hostForm().acquireLock(path("rcp.lock"))),
+        file_(path(lock_ ? "rcp.out" : "rcp.out" + std::to_string(hostForm().processId()))) {}
 
-/// What the tool says is all that tells how a copy ended: without a file to say it in, it failed.
-void keepReport() {
-  TLCopyReport& report = copyReport();
-  const auto words = hostForm().readFile(copyOutputFile());
-  report.words = words.value_or("the copy tool could not be run");
-  report.failed = !words || (!words->empty() && words->front() != '\n');
-}
+  const RWCString& file() const { return file_; }
+  /// What it says is all that tells how a copy ended: without a file to say it in, it failed.
+  void keepReport() const {
+    TLCopyReport& report = copyReport();
+    const auto words = hostForm().readFile(file_);
+    report.words = words.value_or("the copy tool could not be run");
+    report.failed = !words || (!words->empty() && words->front() != '\n');
+  }
+
+ private:
+  static RWCString path(const RWCString& name) {
+    return hostForm().variableOrEmpty("TMP_DIR") + hostForm().separator() + name;
+  }
+
+  std::unique_ptr<TLLockFile> lock_;
+  RWCString file_;
+};
 
 void runCopy(const char* options, const RWCString& srcHost, const RWCString& srcPath,
-             const RWCString& dstHost, const RWCString& dstPath, const RWCString& system) {
+             const RWCString& dstHost, const RWCString& dstPath, const RWCString& system,
+             const CopyOutput& output) {
   RWCString source = cleaned(srcPath, srcHost.empty());
   RWCString target = cleaned(dstPath, dstHost.empty());
   RWCString& local = srcHost.empty() ? source : target;
@@ -117,8 +134,8 @@ void runCopy(const char* options, const RWCString& srcHost, const RWCString& src
   command += pathWord(srcHost, source, system) + " ";
   if (!dstHost.empty()) command += hostForm().bare(dstHost) + ":";
   command += pathWord(dstHost, target, system) + " ";
-  runRedirected(stripTrailingSlashes(command), copyOutputFile());
-  keepReport();
+  runRedirected(stripTrailingSlashes(command), output.file());
+  output.keepReport();
 }
 
 // ---- local files -----------------------------------------------------------------------------
@@ -168,10 +185,10 @@ int remoteExec(const RWCString& host, const RWCString& command, const RWCString&
 int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
                const RWCString& dstPath, const RWCString& system) {
   initFileCommands();
-  runCopy(" -b ", srcHost, srcPath, dstHost, dstPath, system);
-  const RWCString outputFile = copyOutputFile();
-  if (hostForm().canRead(outputFile)) {
-    runRedirected(fileCommandTable().remove + hostForm().bare(outputFile), {});
+  const CopyOutput output;
+  runCopy(" -b ", srcHost, srcPath, dstHost, dstPath, system, output);
+  if (hostForm().canRead(output.file())) {
+    runRedirected(fileCommandTable().remove + hostForm().bare(output.file()), {});
   }
   return copyReport().failed ? 1 : 0;
 }
@@ -182,7 +199,7 @@ const TLCopyReport& lastCopyReport() {
 
 int remoteCopyTree(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,
                    const RWCString& dstPath, const RWCString& system) {
-  runCopy(" -b -r ", srcHost, srcPath, dstHost, dstPath, system);
+  runCopy(" -b -r ", srcHost, srcPath, dstHost, dstPath, system, CopyOutput());
   return 1;
 }
 

@@ -17,6 +17,10 @@ namespace {
 
 constexpr std::int64_t kNumberStep = 10000;
 
+RWCString placeOf(const TLSubTask& step) {
+  return step.hostName + ":" + step.remoteRunDir;
+}
+
 bool hasMarked(const TLProcessArguments& arguments) {
   for (const auto& entry : arguments.entries()) {
     if (isMarked(*entry)) return true;
@@ -146,19 +150,22 @@ void TLHostTransfer::prepareRemoteDir(TLSubTask& step) {
     const std::int64_t number = hostForm().randomNumber() * kNumberStep + 1;
     step.remoteRunDir =
         TLFarSide::directoryName(step.remoteTmpDir, step.isWin32Host != 0, std::to_string(number));
-  } while (!usedDirectories_.insert(step.hostName + ":" + step.remoteRunDir).second);
+  } while (!usedDirectories_.insert(placeOf(step)).second);
 }
 
 int TLHostTransfer::transferStep(TLSubTask& step) {
   if (!hasMarked(step.spawnArguments)) return 0;
   prepareRemoteDir(step);
-  return carry(step, carriedArguments(TLFarSide(step), step.spawnArguments));
+  const int failed = carry(step, carriedArguments(TLFarSide(step), step.spawnArguments));
+  if (failed == 0 && !step.remoteLogin.empty()) filledDirectories_.insert(placeOf(step));
+  return failed;
 }
 
 int TLHostTransfer::transferHexa_(TLSubTask& step) {
   print("TLSubTask::transferHexa_ ... IN");
   prepareRemoteDir(step);
   const int failed = carry(step, carriedUnstructured(TLFarSide(step), step.spawnArguments));
+  if (step.transfer.problem.empty()) filledDirectories_.insert(placeOf(step));
   print("TLSubTask::transferHexa_ ... OUT");
   return failed;
 }
@@ -166,18 +173,26 @@ int TLHostTransfer::transferHexa_(TLSubTask& step) {
 int TLHostTransfer::transferSculpt(TLSubTask& step) {
   if (step.hostName == ownHostName() || !hasMarked(step.spawnArguments)) return 1;
   prepareRemoteDir(step);
-  return carry(step, carriedSculpt(TLFarSide(step), step.spawnArguments)) == 0 ? 1 : 0;
+  const int failed = carry(step, carriedSculpt(TLFarSide(step), step.spawnArguments));
+  if (step.transfer.problem.empty()) filledDirectories_.insert(placeOf(step));
+  return failed == 0 ? 1 : 0;
 }
 
 // ---- from the host ---------------------------------------------------------------------------
 
+bool TLHostTransfer::isFilled(const TLSubTask& step) const {
+  return filledDirectories_.contains(placeOf(step));
+}
+
 void TLHostTransfer::settle(TLSubTask& step, bool complete, bool stillRuns) {
   const TLFarSide far(step);
   if (far.directory().empty()) return;
-  const RWCString place = far.host() + ":" + far.directory();
+  const RWCString place = placeOf(step);
   if (complete) {
     keptDirectories_.erase(place);
-    if (!stillRuns) runThere(far, far.removal());
+    if (stillRuns) return;
+    runThere(far, far.removal());
+    filledDirectories_.erase(place);
     return;
   }
   keptDirectories_.insert(place);
@@ -212,7 +227,7 @@ int TLHostTransfer::retrieveResults(TLSubTask& step) {
 int TLHostTransfer::retrieveArguments(TLSubTask& step) {
   bool complete = true;
   if (step.hostName != ownHostName() && step.arguments.count() > 0) {
-    complete = TLRetrieval(step).fetchArguments();
+    complete = TLRetrieval(step, isFilled(step)).fetchArguments();
   }
   if (step.remoteRunDir.empty()) return 1;
   if (complete) tell("Removing remote temporary directory: " + step.remoteRunDir);
@@ -227,14 +242,14 @@ int TLHostTransfer::retrieveHexa_(TLSubTask& step) {
 int TLHostTransfer::retrieveUnstructured(TLSubTask& step, bool stillRuns) {
   print("TLSubTask::retrieveHexa_ ... IN");
   if (!hasMarked(step.spawnArguments)) return 1;
-  settle(step, TLRetrieval(step).fetchUnstructured(), stillRuns);
+  settle(step, TLRetrieval(step, isFilled(step)).fetchUnstructured(), stillRuns);
   tell("Retrieval completed ! \n");
   return 1;
 }
 
 int TLHostTransfer::removeRemoteResults(TLSubTask& step) {
   if (step.remoteRunDir.empty()) return 1;
-  const bool complete = TLRetrieval(step).fetchSculpt();
+  const bool complete = TLRetrieval(step, isFilled(step)).fetchSculpt();
   if (complete) tell("Removing remote temporary directory " + step.remoteRunDir);
   const bool removable = step.remoteRunDir.find("tmp") != RWCString::npos;
   settle(step, complete, !removable);
@@ -246,9 +261,10 @@ void TLHostTransfer::removeRemoteDir(TLSubTask& step) {
   const TLFarSide far(step);
   // An empty name would stand for the root of the host's disk.
   if (far.directory().empty()) return;
-  if (keptDirectories_.contains(far.host() + ":" + far.directory())) return;
+  if (keptDirectories_.contains(placeOf(step))) return;
   tell("Removing remote temporary directory " + far.directory());
   runThere(far, far.discard());
+  filledDirectories_.erase(placeOf(step));
 }
 
 TLHostTransfer& hostTransfer() {

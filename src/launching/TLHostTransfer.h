@@ -22,6 +22,7 @@ class TLHostTransfer : public TLTransfer {
 
  private:
   void prepareRemoteDir(TLSubTask& step);
+  bool isFilled(const TLSubTask& step) const;
   int retrieveArguments(TLSubTask& step);
   int retrieveUnstructured(TLSubTask& step, bool stillRuns);
   /// Removes the directory of the run behind a retrieval, or says that it stays.
@@ -30,6 +31,8 @@ class TLHostTransfer : public TLTransfer {
   /// Set while a retrieval runs: an "update" of the script may lead to another one.
   bool retrieving_ = false;
   std::set<RWCString> keptDirectories_;  ///< "host:directory" with what could not be fetched
+  /// Directories in which a transfer of this process has put something and that weren't removed.
+  std::set<RWCString> filledDirectories_;
   std::set<RWCString> usedDirectories_;
 };
 

@@ -70,7 +70,7 @@ bool readAsProject(TLProject& project, const RWCString& path) {
 
 }  // namespace
 
-void TLProjectCarrier::carry(const RWCString& file, const RWCString& directory) {
+void TLProjectCarrier::transferProject(const RWCString& file, const RWCString& directory) {
   directory_ = directory;
   const RWCString target = directory + nameOf(file);
   const auto project = makeHandle<TLProject>();

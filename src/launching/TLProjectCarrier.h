@@ -17,7 +17,7 @@ class TLProjectCarrier {
   explicit TLProjectCarrier(TLCarryList& list) : list_(list) {}
 
   /// `file` goes into `directory` of the far side, under its name.
-  void carry(const RWCString& file, const RWCString& directory);
+  void transferProject(const RWCString& file, const RWCString& directory);
 
  private:
   void carryReference(TLSubProject& computation);

@@ -47,8 +47,8 @@ bool hasWallFiles(const TLProject& project) {
 
 }  // namespace
 
-TLRetrieval::TLRetrieval(TLSubTask& step)
-    : step_(step), far_(step), watch_(step, far_, "from", 0, 0) {}
+TLRetrieval::TLRetrieval(TLSubTask& step, bool expected)
+    : step_(step), far_(step), watch_(step, far_, "from", 0, 0), expected_(expected) {}
 
 // ---- any step ------------------------------------------------------------------------------
 
@@ -77,7 +77,7 @@ void TLRetrieval::clearBackup(const RWCString& path) {
 int TLRetrieval::retrieveProject(const RWCString& file, const RWCString& directory) {
   const RWCString stem = file.substr(0, file.size() < kSuffix ? 0 : file.size() - kSuffix);
   if (TLFile(file).suffix() != "run") {
-    fetchBehind(stem, directory, false);
+    fetchBehind(stem, directory, false, false);
     return 0;
   }
   const RWCString local = directory == "." ? nameOf(file) : directory + nameOf(file);
@@ -96,7 +96,7 @@ int TLRetrieval::retrieveProject(const RWCString& file, const RWCString& directo
                     "tmp before");
     return 0;
   }
-  fetchBehind(stem, directory, walls);
+  fetchBehind(stem, directory, expected_, walls);
   const RWCString trouble = kept.restore();
   if (!trouble.empty()) watch_.complain(trouble);
   return 0;
@@ -110,8 +110,9 @@ void TLRetrieval::fetchMesh(const RWCString& file, const RWCString& mesh) {
   }
 }
 
-void TLRetrieval::fetchBehind(const RWCString& stem, const RWCString& directory, bool walls) {
-  watch_.fetch(stem + ".*", directory, false);
+void TLRetrieval::fetchBehind(const RWCString& stem, const RWCString& directory, bool expected,
+                              bool walls) {
+  watch_.fetch(stem + ".*", directory, false, expected);
   const RWCString parts = (directory == "." ? RWCString() : directory) + nameOf(stem) + "_p0.ahex";
   if (hostForm().canRead(parts)) watch_.fetch(stem + "_p*", directory, false);
   watch_.fetch(stem + "_t*", directory, false);
@@ -142,7 +143,7 @@ bool TLRetrieval::fetchUnstructured() {
     }
     remoteExec(far_.host(), command, far_.login(), {});
   }
-  if (!source.empty()) watch_.fetch(source, target, true);
+  if (!source.empty()) watch_.fetch(source, target, true, expected_);
   return !watch_.failed();
 }
 
@@ -152,7 +153,7 @@ bool TLRetrieval::fetchSculpt() {
   for (const auto& argument : step_.arguments.entries()) {
     if (!isMarked(*argument)) continue;
     const RWCString directory = stripTrailingSlashes(TLFile(argument->value()).directory());
-    watch_.fetch(far_.path(nameOf(directory)), directoryOf(directory), true);
+    watch_.fetch(far_.path(nameOf(directory)), directoryOf(directory), true, expected_);
     break;
   }
   return !watch_.failed();

@@ -9,7 +9,8 @@ class TLSubTask;
 /// that was there arrived: when it did, the directory there may go.
 class TLRetrieval {
  public:
-  explicit TLRetrieval(TLSubTask& step);
+  /// With `expected` the directory of the run must still be there.
+  TLRetrieval(TLSubTask& step, bool expected);
 
   /// Any step: argument by argument.
   bool fetchArguments();
@@ -21,10 +22,11 @@ class TLRetrieval {
  private:
   int retrieveProject(const RWCString& file, const RWCString& directory);
   void fetchMesh(const RWCString& file, const RWCString& local);
-  void fetchBehind(const RWCString& stem, const RWCString& directory, bool walls);
+  void fetchBehind(const RWCString& stem, const RWCString& directory, bool expected, bool walls);
   void clearBackup(const RWCString& path);
 
   TLSubTask& step_;
   TLFarSide far_;
   TLTransferWatch watch_;
+  bool expected_;
 };

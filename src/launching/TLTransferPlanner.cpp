@@ -136,7 +136,7 @@ TLCarryList carriedArguments(const TLFarSide& far, const TLProcessArguments& spa
                  true);
     list.message("Copying Argument File " + value + " to dir: " + far.directory() + " ", true);
     if (!far.login().empty() && TLFile(value).suffix() != "zyv") {
-      carrier.carry(value, far.directory());
+      carrier.transferProject(value, far.directory());
     }
     list.setValue(i, far.path(nameOf(value)));
     list.word("remote_transfered");

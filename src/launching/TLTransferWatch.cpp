@@ -80,7 +80,8 @@ bool TLTransferWatch::send(const RWCString& here, const RWCString& there, bool t
   return false;
 }
 
-bool TLTransferWatch::fetch(const RWCString& there, const RWCString& here, bool tree) {
+bool TLTransferWatch::fetch(const RWCString& there, const RWCString& here, bool tree,
+                            bool expected) {
   begin(there, 0);
   (tree ? remoteCopyTree : remoteCopy)(far_.spec(), there, {}, here, far_.system());
   const TLCopyReport& report = lastCopyReport();
@@ -88,7 +89,7 @@ bool TLTransferWatch::fetch(const RWCString& there, const RWCString& here, bool 
   TLHostForm& form = hostForm();
   const bool roomHere =
       form.canMakeFilesIn(form.isDirectory(here) ? here : RWCString(form.directoryOf(here)));
-  if (roomHere && saysNothingThere(report.words, there)) return true;
+  if (!expected && roomHere && saysNothingThere(report.words, there)) return true;
   complain("Retrieval of " + place(there) + " to " + here + " failed: " + asOneLine(report.words));
   return false;
 }

@@ -23,8 +23,9 @@ class TLTransferWatch {
   /// @name Copies between a path here and one there. False when one failed.
   /// @{
   bool send(const RWCString& here, const RWCString& there, bool tree, std::int64_t bytes);
-  /// That nothing of the name is there is no failure: a run needn't have made every file.
-  bool fetch(const RWCString& there, const RWCString& here, bool tree);
+  /// That nothing of the name is there is a failure only when it is `expected`: a run needn't have
+  /// made every file.
+  bool fetch(const RWCString& there, const RWCString& here, bool tree, bool expected = false);
   /// @}
 
   /// Notes and shows something else that went wrong.

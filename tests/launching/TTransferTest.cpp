@@ -442,6 +442,20 @@ TEST_F(Transfers, OfUnstructuredRunsHaveDirectoriesOfTheirOwn) {
   dir.write("log", "");
   run([&] { return transfer.removeRemoteDir(*step), 0; });
   EXPECT_EQ(log(), "") << "results are there";
+  // Gone without this process: said once, and not again behind the removal.
+  const std::string gone =
+      "case \"$*\" in *-r*) echo \"scp: " + far + "c/*: No such file or directory\";; esac";
+  step->spawnArguments.assign(step->arguments);
+  run([&] { return transfer.transferHexa_(*step); });
+  behave(gone);
+  run([&] { return transfer.retrieveResults(*step); });
+  EXPECT_THAT(log(), HasSubstr("No such file or directory\"\n"));
+  behave("");
+  run([&] { return transfer.retrieveResults(*step); });
+  behave(gone);
+  dir.write("log", "");
+  run([&] { return transfer.retrieveResults(*step); });
+  EXPECT_THAT(log(), Not(HasSubstr("No such file")));
 }
 
 TEST_F(Transfers, OfUnstructuredRunsToWindowsGoBesideTheDirectory) {

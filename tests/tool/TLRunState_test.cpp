@@ -36,6 +36,8 @@ class RunState : public ::testing::Test {
     step.queueState = "qw";
     step.iteration = 300;
     step.iterationsAsked = 1000;
+    step.transfer = {"to",      "far", "/w/a b*",     2,        7, 1LL << 40,
+                     1LL << 41, 5,     "copy failed", "/tmp/x/"};
     step.residuals = {{"rms", 1.5, 2e-7}};
     return state;
   }
