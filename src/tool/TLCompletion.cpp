@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "platform/TLHostForm.h"
+#include "taskengine/TLKeptRun.h"
 #include "tool/TLDaemonClient.h"
 #include "tool/TLDaemonFinder.h"
 #include "tool/TLExitCode.h"
@@ -40,7 +41,7 @@ bool only(TLFileKind kind) {
 }
 
 // What a positional argument of a command is.
-enum class Source { files, runningTasks, allTasks, settings, none };
+enum class Source { files, runningTasks, keptRuns, settings, none };
 
 struct PositionalRow {
   std::string_view command;
@@ -68,7 +69,7 @@ constexpr PositionalRow kPositionals[] = {
     {"steer", 0, Source::runningTasks, nothing},
     {"steer", 2, Source::settings, nothing},
     {"steer", 3, Source::none, nothing},
-    {"report", 0, Source::allTasks, only<TLFileKind::task>},
+    {"report", 0, Source::keptRuns, nothing},
     {"units", 0, Source::none, nothing},
     {"units", 1, Source::none, nothing},
     {"units", 2, Source::none, nothing},
@@ -242,10 +243,8 @@ Candidates TLCompletion::ofPositional(const Line& line, std::string_view begin) 
         return filesBeginning(begin, row->wanted);
       case Source::runningTasks:
         return tasks(begin, false);
-      case Source::allTasks: {
-        Candidates list = tasks(begin, true);
-        return list.empty() ? filesBeginning(begin, row->wanted) : list;
-      }
+      case Source::keptRuns:
+        return tasks(begin, true);
       case Source::settings:
         return settings(line, begin);
       case Source::none:
@@ -265,7 +264,15 @@ Candidates TLCompletion::ofPositional(const Line& line, std::string_view begin) 
 
 Candidates TLCompletion::tasks(std::string_view begin, bool ended) const {
   const TLDaemonFinder finder(userDirectory_);
-  const auto states = ended ? finder.all() : finder.live();
+  std::vector<TLRunState> states = finder.live();
+  if (ended) {
+    for (auto& kept : TLKeptRun::list(userDirectory_)) {
+      const bool runs = std::any_of(states.begin(), states.end(), [&](const TLRunState& state) {
+        return state.taskFile == kept.run.taskFile;
+      });
+      if (!runs) states.push_back(std::move(kept.run));
+    }
+  }
   Candidates list;
   for (const auto& state : states) {
     const auto sameFile = std::count_if(states.begin(), states.end(), [&](const auto& other) {

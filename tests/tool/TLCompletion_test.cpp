@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "taskengine/TLKeptRun.h"
 #include "tool/TLCommandLine.h"
 
 namespace {
@@ -25,8 +26,16 @@ class Completion : public ::testing::Test {
     addDaemon(7, directory_ / "heat.task", "plate");
     addDaemon(8, directory_ / "second.task", "twice");
     addDaemon(9, directory_ / "second.task", "twice");
+    addKeptRun(directory_ / "over.task", "over");
   }
   ~Completion() override { fs::remove_all(directory_); }
+
+  void addKeptRun(const fs::path& file, const std::string& name) const {
+    TLKeptRun kept;
+    kept.run.taskFile = file;
+    kept.run.taskName = name;
+    ASSERT_EQ(kept.save(directory_), 0);
+  }
 
   void write(const std::string& name, const std::string& text) const {
     std::ofstream(directory_ / name) << text;
@@ -84,6 +93,9 @@ TEST_F(Completion, OffersWhatFits) {
       {{"stop", "plate", "--step", "SO"}, {"1"}},
       {{"stop", "twice", "--step", ""}, {}},  // more than one fits
       {{"steer", "plate", "g"}, {"get"}},
+      {{"report", in + "o"}, {in + "over.task"}},
+      {{"report", "p"}, {"plate"}},
+      {{"status", "ov"}, {}},
       {{"units", ""}, {}},
   };
   for (const auto& one : cases) {
