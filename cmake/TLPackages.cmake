@@ -112,7 +112,7 @@ set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(TL_PACKAGE_VERSION ${PROJECT_VERSION}-${CPACK_DEBIAN_PACKAGE_RELEASE})
 
 set(CPACK_DEBIAN_DAEMON_PACKAGE_NAME tltaskmgr)
-set(CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS "pvm, openssh-client")
+set(CPACK_DEBIAN_DAEMON_PACKAGE_DEPENDS "pvm, openssh-client, fonts-dejavu-core")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_RECOMMENDS "tltaskmgr-tools")
 set(CPACK_DEBIAN_DAEMON_PACKAGE_SUGGESTS
   "tltaskmgr-examples, gridengine-client, openmpi-bin, openssh-server")
