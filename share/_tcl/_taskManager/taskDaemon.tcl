@@ -179,7 +179,9 @@ namespace eval ::taskWindow {
       }
     }
     if {$ended} { return [join $parts "; "] }
-    if {[field $step queue_state] ne ""} {
+    if {[dict get $step status] == 1 && [field $step queue 0] != 0 && [field $step job 0] < 1} {
+      lappend parts "the queue lists no job of it: perhaps it was refused; the log tells more"
+    } elseif {[field $step queue_state] ne ""} {
       lappend parts "job [field $step job 0]: [field $step queue_state]"
     }
     if {[field $step iteration 0] > 0} {
