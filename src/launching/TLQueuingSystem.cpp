@@ -1,5 +1,6 @@
 #include "launching/TLQueuingSystem.h"
 
+#include "launching/TLCarryList.h"
 #include "launching/TLCommands.h"
 #include "launching/TLComposition.h"
 #include "launching/TLJobListing.h"
@@ -8,6 +9,7 @@
 #include "launching/TLQueueCommand.h"
 #include "launching/TLQueuingKind.h"
 #include "launching/TLTransfer.h"
+#include "launching/TLTransferWatch.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
 #include "session/TLScript.h"
@@ -74,9 +76,9 @@ class Submission {
   int carryScript() {
     const RWCString target = jobScriptPath(number(), firstValue(step_.spawnArguments));
     if (target == script_) return 0;
-    const RWCString host =
-        step_.remoteLogin.empty() ? step_.hostName : step_.hostName + "." + step_.remoteLogin;
-    return remoteCopy({}, script_, host, target, step_.isWin32Host != 0 ? "WIN32" : "UNIX");
+    const TLFarSide far(step_);
+    const std::int64_t bytes = bytesOf(script_);
+    return TLTransferWatch(step_, far, "to", 1, bytes).send(script_, target, false, bytes) ? 0 : 1;
   }
 
   /// The number under which the queue lists the job; 0 when it doesn't.

@@ -56,11 +56,11 @@ bool TLRetrieval::fetchArguments() {
   for (std::int32_t i = 0; i < step_.spawnArguments.count(); ++i) {
     const RWCString local = localValue(step_, i);
     if (!isMarked(*step_.spawnArguments.at(i)) || local.empty()) continue;
-    const RWCString file = far_.path(nameOf(step_.spawnArguments.at(i)->value()));
+    const RWCString file = far_.path(nameOf(local));
     clearBackup(local + "tmp");
     const RWCString phrase = "Retrieving files " + far_.spec() + ":" + file;
     evalScript(messageLine('"' + scriptQuoted(doubleBackslashes(phrase)) + '"'));
-    retrieveProject(file, directoryOf(local));
+    retrieveProject(file, local);
   }
   return !watch_.failed();
 }
@@ -74,46 +74,46 @@ void TLRetrieval::clearBackup(const RWCString& path) {
   removeLocal(path);
 }
 
-int TLRetrieval::retrieveProject(const RWCString& file, const RWCString& directory) {
+int TLRetrieval::retrieveProject(const RWCString& file, const RWCString& local) {
   const RWCString stem = file.substr(0, file.size() < kSuffix ? 0 : file.size() - kSuffix);
-  if (TLFile(file).suffix() != "run") {
-    fetchBehind(stem, directory, false, false);
+  if (TLFile(local).suffix() != "run") {
+    fetchBehind(stem, local, false, false);
     return 0;
   }
-  const RWCString local = directory == "." ? nameOf(file) : directory + nameOf(file);
   const auto project = makeHandle<TLProject>();
   project->usesSteering = false;
   bool walls = false;
   const auto text = hostForm().readFile(local);
   if (text && readProject(*project, local, wantsUnstructuredTables(*text)) == 1) {
-    fetchMesh(file, project->gridFile.withoutSuffix());
+    fetchMesh(project->gridFile.withoutSuffix());
     walls = hasWallFiles(*project);
   }
   TLKeptRunFile kept(local);
   if (!kept.safe()) {
-    watch_.complain("Retrieval of " + far_.spec() + ":" + stem + ".* to " + directory +
+    watch_.complain("Retrieval of " + far_.spec() + ":" + stem + ".* to " + directoryOf(local) +
                     " was not tried: the run file " + local + " could not be saved as " + local +
                     "tmp before");
     return 0;
   }
-  fetchBehind(stem, directory, expected_, walls);
+  fetchBehind(stem, local, expected_, walls);
   const RWCString trouble = kept.restore();
   if (!trouble.empty()) watch_.complain(trouble);
   return 0;
 }
 
-void TLRetrieval::fetchMesh(const RWCString& file, const RWCString& mesh) {
-  const RWCString place = file.substr(0, file.size() - nameOf(file).size());
+void TLRetrieval::fetchMesh(const RWCString& mesh) {
   for (const auto form : kMeshForms) {
     const RWCString local = mesh + RWCString(form);
-    if (hostForm().canRead(local)) watch_.fetch(place + nameOf(local), local, false);
+    if (hostForm().canRead(local)) watch_.fetch(far_.path(nameOf(local)), local, false);
   }
 }
 
-void TLRetrieval::fetchBehind(const RWCString& stem, const RWCString& directory, bool expected,
+void TLRetrieval::fetchBehind(const RWCString& stem, const RWCString& local, bool expected,
                               bool walls) {
+  const RWCString directory = directoryOf(local);
   watch_.fetch(stem + ".*", directory, false, expected);
-  const RWCString parts = (directory == "." ? RWCString() : directory) + nameOf(stem) + "_p0.ahex";
+  const RWCString parts =
+      local.substr(0, local.size() < kSuffix ? 0 : local.size() - kSuffix) + "_p0.ahex";
   if (hostForm().canRead(parts)) watch_.fetch(stem + "_p*", directory, false);
   watch_.fetch(stem + "_t*", directory, false);
   if (walls) watch_.fetch(stem + "_iter*.wall", directory, false);

@@ -20,9 +20,10 @@ class TLRetrieval {
   bool fetchSculpt();
 
  private:
-  int retrieveProject(const RWCString& file, const RWCString& directory);
-  void fetchMesh(const RWCString& file, const RWCString& local);
-  void fetchBehind(const RWCString& stem, const RWCString& directory, bool expected, bool walls);
+  /// `file` there is what `local` is here.
+  int retrieveProject(const RWCString& file, const RWCString& local);
+  void fetchMesh(const RWCString& mesh);
+  void fetchBehind(const RWCString& stem, const RWCString& local, bool expected, bool walls);
   void clearBackup(const RWCString& path);
 
   TLSubTask& step_;

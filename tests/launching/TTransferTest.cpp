@@ -587,6 +587,19 @@ TEST_F(Transfers, OfResultsKeepTheLocalRunFile) {
   }
 }
 
+TEST_F(Transfers, OfResultsOfAWindowsHostHaveTheNameOfTheDirectoryInFront) {
+  makeStep("VELSTRA", "win", {dir.write("w/duct.run", "no project")});
+  step->remoteRunDir = "C:\\tmp\\tm_70001";
+  EXPECT_EQ(run([&] { return transfer.retrieveResults(*step); }), 1);
+  EXPECT_EQ(log(),
+            "script message \"Retrieving files win.me:C:\\\\tmp\\\\tm_Nduct.run\"\n"
+            "tlrcp|-b|win.me:C:\\tmp\\tm_Nduct.*|DIR/w\n"
+            "tlrcp|-b|win.me:C:\\tmp\\tm_Nduct_t*|DIR/w\n"
+            "script message \"Removing remote temporary directory: C:\\\\tmp\\\\tm_N\"\n"
+            "tlrsh|-l|me|win|del /q C:\\tmp\\tm_N\\*.*\n"
+            "tlrsh|-l|me|win|rd C:\\tmp\\tm_N\n");
+}
+
 TEST_F(Transfers, OfResultsThatFailLeaveThemThere) {
   dir.write("w/duct.run", fullProject(dir));
   const std::string text = dir.read("w/duct.run");
