@@ -668,6 +668,96 @@ TEST_F(Transfers, OfAFailedStartAreRemoved) {
   EXPECT_EQ(discard(), "");
 }
 
+// ---- with the tools of the installation --------------------------------------------------------
+
+/// The real tlrsh and tlrcp, over a stand-in for ssh that runs the far command on this host.
+class RealTools : public Transfers {
+ protected:
+  RealTools()
+      : ssh_("TL_SSH", dir.write("ssh",
+                                 "#!/bin/sh\nwhile [ \"$1\" != -- ]; do shift; done\nshift\n"
+                                 "shift\nexec sh -c \"$*\"\n",
+                                 true)),
+        suite_("TALVEN_DIR", std::string(TL_SHARE_DIR)) {}
+  void SetUp() override {
+    Transfers::SetUp();
+    setenv("TALVEN_DIR", TL_SHARE_DIR, 1);
+    std::filesystem::create_directory(dir.file("far"));
+  }
+  void makeStep(const std::string& name, const std::vector<std::string>& values) {
+    Transfers::makeStep(name, "far", values);
+    step->remoteTmpDir = dir.file("far");
+  }
+  /// A file of the run's directory on the far side, below the test's directory.
+  std::string there(const std::string& name) const {
+    return step->remoteRunDir.substr(dir.path().size() + 1) + name;
+  }
+
+ private:
+  TVariable ssh_;
+  TVariable suite_;
+};
+
+TEST_F(RealTools, CarryAProjectOfAnyNameThereAndBack) {
+  for (const std::string stem : {"-d'u $c\"t`x`", "(s*t)?&;\xc3\xa9"}) {
+    SCOPED_TRACE(stem);
+    const std::string text = fullProject(dir);
+    const std::string path = dir.write("w/" + stem + ".run", text);
+    dir.write("w/" + stem + ".me.qvk", "qvk");
+    makeStep("VELSTRA", {path});
+    EXPECT_EQ(run([&] { return transfer.transferStep(*step); }), 0) << log();
+    EXPECT_EQ(step->spawnArguments.at(0)->value(), step->remoteRunDir + stem + ".run");
+    EXPECT_EQ(dir.read(there("m.zyv")), "w/m.zyv");
+    EXPECT_EQ(dir.read(there("_initmp.cgns")), "old/old.cgns");
+    EXPECT_EQ(dir.read(there(stem + ".me.qvk")), "qvk");
+    EXPECT_THAT(dir.read(there(stem + ".run")), HasSubstr(step->remoteRunDir + "m.zyv\n"));
+    EXPECT_EQ(std::filesystem::status(dir.file(there(""))).permissions(),
+              std::filesystem::perms::owner_all);
+    dir.write(there(stem + ".cgns"), "result");
+    dir.write(there(stem + "_t1.cgns"), "in time");
+    dir.write(there(stem + "_iter5.wall"), "walls");
+    EXPECT_EQ(run([&] { return transfer.retrieveResults(*step); }), 1);
+    EXPECT_EQ(dir.read("w/" + stem + ".cgns"), "result") << log();
+    EXPECT_EQ(dir.read("w/" + stem + "_t1.cgns"), "in time");
+    EXPECT_EQ(dir.read("w/" + stem + "_iter5.wall"), "walls");
+    EXPECT_EQ(dir.read("w/" + stem + ".run"), text);
+    EXPECT_FALSE(dir.has("w/" + stem + ".runtmp"));
+    EXPECT_FALSE(dir.has(there(""))) << log();
+    EXPECT_EQ(step->transfer.problem, "");
+  }
+}
+
+TEST_F(RealTools, CarryTheOtherWaysThereAndBack) {
+  unstructuredRun(dir, dir.file("p/_mesh/m.zyv"), dir.write("p/old/old.run", "old"));
+  makeStep("LUMBRAKE", {dir.file("p/c/c.run"), dir.file("p/c/c.p4pg")});
+  const std::string text = dir.read("p/c/c.run");
+  EXPECT_EQ(run([&] { return transfer.transferHexa_(*step); }), 0);
+  EXPECT_EQ(dir.read(there("_mesh/m.zyv")) + dir.read(there("c/c.p4pg")) +
+                dir.read(there("c__INIT_SOL_1__/old.run")),
+            "meshhostsold");
+  dir.write(there("c/c.cgns"), "result");
+  dir.write(there("c/deeper/x"), "deep");
+  run([&] { return transfer.retrieveResults(*step); });
+  EXPECT_EQ(dir.read("p/c/c.cgns") + dir.read("p/c/deeper/x"), "resultdeep") << log();
+  EXPECT_EQ(dir.read("p/c/c.run"), text);
+  EXPECT_FALSE(dir.has(there("")));
+
+  makeStep("Sculpt3d", {dir.write("s/o p/case.run", "case")});
+  step->remoteTmpDir = dir.file("far/tmp");
+  EXPECT_EQ(run([&] { return transfer.transferSculpt(*step); }), 1);
+  EXPECT_EQ(dir.read(there("o p/case.run")), "case") << log();
+  dir.write(there("o p/gen/1"), "best");
+  run([&] { return transfer.retrieveResults(*step); });
+  EXPECT_EQ(dir.read("s/o p/gen/1"), "best") << log();
+  EXPECT_FALSE(dir.has(there("")));
+
+  // A directory that can't be made: the copy says why, and the start has failed.
+  makeStep("VELSTRA", {dir.write("w/a.dat", "a")});
+  step->remoteTmpDir = dir.write("file", "no directory");
+  EXPECT_EQ(run([&] { return transfer.transferStep(*step); }), 1);
+  EXPECT_THAT(step->transfer.problem, HasSubstr("far.me:" + step->remoteRunDir + "a.dat failed: "));
+}
+
 // ---- the plan of a launch ----------------------------------------------------------------------
 
 /// What a plan says in the words of the log.
