@@ -20,6 +20,7 @@ bool saysNothingThere(const RWCString& words, const RWCString& path) {
     while (!line.empty() && (line.back() == '\r' || line.back() == ' ')) line.remove_suffix(1);
     if (line.starts_with("tlrcp: copy failed")) continue;
     const bool absent = line.ends_with("No such file or directory") ||
+                        line.ends_with("no such directory") ||
                         line.find("no matches found") != std::string_view::npos;
     if (!line.ends_with("No match.") && !(absent && line.find(path) != std::string_view::npos)) {
       return false;
