@@ -97,6 +97,7 @@ class Carrying {
     if (makeRemoteDir(far_, far_.host(), action.text) != TLFarSide::kRefused) return true;
     watch_.complain("The directory " + far_.directory() + " of host " + far_.host() +
                     " belongs to somebody else: nothing is copied there");
+    step_.remoteRunDir.clear();  // nor removed; the next start draws another number
     return false;
   }
 
