@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -127,6 +128,22 @@ std::optional<std::string> TLUnixHost::readFile(std::string_view path) const {
     filled += static_cast<std::size_t>(count);
   }
   text.resize(filled);
+  return text;
+}
+
+std::optional<std::string> TLUnixHost::readEnd(std::string_view path, std::size_t longest) const {
+  // Without waiting: a pipe's other end may be nobody's.
+  const TLFileDescriptor file(::open(realPath(path).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+  struct stat about {};
+  if (!file.open() || fstat(file.get(), &about) != 0 || !S_ISREG(about.st_mode)) {
+    return std::nullopt;
+  }
+  const auto size = static_cast<std::size_t>(about.st_size);
+  std::string text(std::min(size, longest), '\0');
+  const auto count =
+      ::pread(file.get(), text.data(), text.size(), static_cast<off_t>(size - text.size()));
+  if (count < 0) return std::nullopt;
+  text.resize(static_cast<std::size_t>(count));
   return text;
 }
 

@@ -18,6 +18,7 @@ class TLUnixHost : public TLHostForm {
   bool isLink(std::string_view path) const override;
   bool canWrite(std::string_view path, int& error) const override;
   std::optional<std::string> readFile(std::string_view path) const override;
+  std::optional<std::string> readEnd(std::string_view path, std::size_t longest) const override;
   bool isDirectory(std::string_view path) const override;
   std::uint64_t fileSize(std::string_view path) const override;
   int replaceFile(std::string_view path, std::string_view text) override;

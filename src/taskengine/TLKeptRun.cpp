@@ -113,11 +113,11 @@ int TLKeptRun::save(const std::string& directory) const {
 }
 
 void TLKeptRun::keepLog(const std::string& directory) {
-  auto text = run.logFile.empty() ? std::nullopt : hostForm().readFile(run.logFile);
+  auto text = hostForm().readEnd(run.logFile, kLongestLog + 1);
   if (!text) return;
   if (text->size() > kLongestLog) {
-    const auto line = text->find('\n', text->size() - kLongestLog);
-    text->erase(0, line == std::string::npos ? text->size() - kLongestLog : line + 1);
+    const auto line = text->find('\n');
+    text->erase(0, line == std::string::npos ? 1 : line + 1);
   }
   const std::string copy = logName(directory, run.taskFile);
   if (hostForm().replaceFile(copy, *text) != 0) return;

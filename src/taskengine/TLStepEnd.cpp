@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <string_view>
 
 #include "platform/TLHostForm.h"
@@ -124,9 +123,7 @@ constexpr auto kSentences = std::to_array<SentenceRow>({
     {Kind::stoppedInWindow, "stopped from the task's window on host %h", false},
     {Kind::stoppedEarly, "never started: the task was stopped before its turn", false},
     {Kind::neverStarted, "never started on host %h: %d", false},
-    {Kind::copyFailed,
-     "never started: its files could not be copied to host %h: %d",
-     false},
+    {Kind::copyFailed, "never started: its files could not be copied to host %h: %d", false},
     {Kind::disabled, "skipped: the step is disabled", false},
     {Kind::behindFailure, "skipped: disabled because %d failed before it", false},
     {Kind::needless, "skipped: one part needs no partition", false},
@@ -175,14 +172,8 @@ RWCString TLStepEnd::sentence() const {
 }
 
 RWCString lastOutputLine(const RWCString& path, const std::vector<std::int32_t>& tids) {
-  constexpr std::streamoff kLastPages = 65536;
-  std::ifstream in(hostForm().realPath(path), std::ios::binary | std::ios::ate);
-  if (!in) return {};
-  const std::streamoff size = in.tellg();
-  const std::streamoff length = std::min(size, kLastPages);
-  RWCString text(static_cast<std::size_t>(length), '\0');
-  in.seekg(size - length);
-  in.read(text.data(), length);
+  constexpr std::size_t kLastPages = 65536;
+  const RWCString text = hostForm().readEnd(path, kLastPages).value_or("");
   std::vector<RWCString> signs;
   for (const std::int32_t tid : tids) {
     std::array<char, 16> sign{};
