@@ -13,6 +13,7 @@
 namespace {
 
 constexpr auto kProgressInterval = std::chrono::seconds(1);
+constexpr std::size_t kMostNames = 200;
 constexpr auto kRecordInterval = std::chrono::seconds(2);
 
 double secondsNow() {
@@ -84,6 +85,7 @@ TLRunRecorder& runRecorder() {
 void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   directory_ = directory;
   state_ = TLRunState();
+  copies_.clear();
   state_.tid = TL_virtual_machine_mytid();
   state_.pid = hostForm().processId();
   state_.host = ownHostName();
@@ -100,6 +102,7 @@ bool TLRunRecorder::takeAll(const TLTask& task) {
   const bool isNew = state_.steps.size() != task.subTasks.size() || state_.steps.empty();
   bool now = isNew;
   state_.steps.resize(task.subTasks.size());
+  copies_.resize(task.subTasks.size());
   for (std::size_t i = 0; i < task.subTasks.size(); ++i) {
     takeProgress(task, i);
     if (!isNew && !differs(state_.steps[i], *task.subTasks[i])) continue;
@@ -140,8 +143,32 @@ void TLRunRecorder::record(const TLTask& task, std::size_t position) {
   entry.jobNumber = step.isQueued() && !step.children.empty() ? step.children.front() : 0;
   entry.reason = step.endReason;
   entry.queueState = step.queueState;
+  if (entry.transfer != step.transfer) noteTransfer(position, step.transfer);
   entry.transfer = step.transfer;
   entry.iterationsAsked = iterationsAsked(step);
+}
+
+void TLRunRecorder::noteTransfer(std::size_t position, const TLTransferProgress& transfer) {
+  auto& copies = copies_[position];
+  const bool open = !copies.empty() && copies.back().ended <= 0;
+  if (transfer.direction.empty()) {
+    if (!open) return;
+    copies.back().ended = secondsNow();
+    copies.back().problem = transfer.problem;
+    return;
+  }
+  if (!open || copies.back().direction != transfer.direction ||
+      copies.back().host != transfer.host) {
+    TLKeptCopy& begun = copies.emplace_back();
+    begun.direction = transfer.direction;
+    begun.host = transfer.host;
+    begun.started = secondsNow();
+  }
+  TLKeptCopy& copy = copies.back();
+  copy.files = std::max(transfer.count, transfer.number);
+  copy.bytes = transfer.total > 0 ? transfer.total : transfer.bytes + transfer.fileBytes;
+  if (copy.names.size() >= kMostNames || transfer.file.empty()) return;
+  if (copy.names.empty() || copy.names.back() != transfer.file) copy.names.push_back(transfer.file);
 }
 
 void TLRunRecorder::takeProgress(const TLTask& task, std::size_t position) {
@@ -157,7 +184,10 @@ void TLRunRecorder::takeProgress(const TLTask& task, std::size_t position) {
 TLKeptRun TLRunRecorder::keptRun(const TLTask& task) const {
   TLKeptRun kept;
   kept.run = state_;
-  for (const auto& step : task.subTasks) kept.steps.push_back(keptStep(*step));
+  for (std::size_t i = 0; i < task.subTasks.size(); ++i) {
+    kept.steps.push_back(keptStep(*task.subTasks[i]));
+    if (i < copies_.size()) kept.steps.back().copies = copies_[i];
+  }
   return kept;
 }
 

@@ -29,15 +29,17 @@ class TLRunRecorder {
   /// True when the file has to be written at once.
   bool takeAll(const TLTask& task);
   void record(const TLTask& task, std::size_t position);
+  void noteTransfer(std::size_t position, const TLTransferProgress& transfer);
   void takeProgress(const TLTask& task, std::size_t position);
   TLKeptRun keptRun(const TLTask& task) const;
 
   RWCString directory_;  ///< empty: not begun
   TLRunState state_;
-  bool changed_ = false;             ///< the file is behind
-  bool recordBehind_ = false;        ///< the record is behind
-  Clock::time_point written_;        ///< the file
-  Clock::time_point recordWritten_;  ///< the record
+  std::vector<std::vector<TLKeptCopy>> copies_;  ///< per step
+  bool changed_ = false;                         ///< the file is behind
+  bool recordBehind_ = false;                    ///< the record is behind
+  Clock::time_point written_;                    ///< the file
+  Clock::time_point recordWritten_;              ///< the record
 };
 
 /// The recorder of this process.

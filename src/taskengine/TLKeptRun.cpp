@@ -61,6 +61,33 @@ std::vector<TLPlotSeries> seriesFromJson(const Json& json) {
   return all;
 }
 
+Json copiesToJson(const std::vector<TLKeptCopy>& copies) {
+  Json json = Json::array();
+  for (const auto& copy : copies) {
+    json.push_back({{"direction", copy.direction},
+                    {"host", copy.host},
+                    {"files", copy.files},
+                    {"bytes", copy.bytes},
+                    {"started", copy.started},
+                    {"ended", copy.ended},
+                    {"names", copy.names},
+                    {"problem", copy.problem}});
+  }
+  return json;
+}
+
+std::vector<TLKeptCopy> copiesFromJson(const Json& json) {
+  std::vector<TLKeptCopy> copies;
+  for (const auto& entry : json) {
+    copies.push_back({entry.value("direction", ""), entry.value("host", ""),
+                      entry.value("files", 0), entry.value("bytes", std::int64_t{0}),
+                      entry.value("started", 0.0), entry.value("ended", 0.0),
+                      entry.value("names", std::vector<std::string>()),
+                      entry.value("problem", "")});
+  }
+  return copies;
+}
+
 Json stepToJson(const TLKeptStep& step) {
   return {{"command", step.command},
           {"crash_lines", step.crashLines},
@@ -68,6 +95,7 @@ Json stepToJson(const TLKeptStep& step) {
           {"block_process", step.blockProcess},
           {"block_cells", step.blockCells},
           {"process_hosts", step.processHosts},
+          {"copies", copiesToJson(step.copies)},
           {"residuals", seriesToJson(step.residuals)}};
 }
 
@@ -80,6 +108,7 @@ TLKeptStep stepFromJson(const Json& json) {
           json.value("block_process", Numbers()),
           json.value("block_cells", Numbers()),
           json.value("process_hosts", Words()),
+          copiesFromJson(json.value("copies", Json::array())),
           seriesFromJson(json.value("residuals", Json::array()))};
 }
 

@@ -8,6 +8,20 @@
 #include "taskengine/TLPlotSeries.h"
 #include "taskengine/TLRunState.h"
 
+/// Files that went to a step's host, or came back.
+struct TLKeptCopy {
+  std::string direction;  ///< "to" or "from"
+  std::string host;
+  std::int32_t files = 0;
+  std::int64_t bytes = 0;          ///< as far as known
+  double started = 0;              ///< seconds since the epoch
+  double ended = 0;                ///< 0: not yet
+  std::vector<std::string> names;  ///< of the first of them
+  std::string problem;             ///< why not all were copied
+
+  bool operator==(const TLKeptCopy&) const = default;
+};
+
 /// What a report tells of one step beyond its state.
 struct TLKeptStep {
   std::vector<std::string> command;        ///< words of its command line as started; none: never
@@ -16,7 +30,8 @@ struct TLKeptStep {
   std::vector<std::int32_t> blockProcess;  ///< process of each mesh block, from 0
   std::vector<std::int32_t> blockCells;    ///< weight of each block; 0 unknown
   std::vector<std::string> processHosts;   ///< host of each process of a parallel run
-  std::vector<TLPlotSeries> residuals;     ///< over the iterations, each of kMostPoints at most
+  std::vector<TLKeptCopy> copies;
+  std::vector<TLPlotSeries> residuals;  ///< over the iterations, each of kMostPoints at most
 };
 
 /// The record that a run leaves for a report: its last state and what the state file has no room

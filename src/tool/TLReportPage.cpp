@@ -117,6 +117,19 @@ std::string commandText(const std::vector<std::string>& words) {
   return line;
 }
 
+std::string copyText(const TLKeptCopy& copy) {
+  std::string html = fmt::format(
+      "<p>{} {}: {} file{}, {}{}</p>\n", copy.direction == "to" ? "Copied to" : "Fetched from",
+      htmlText(copy.host), copy.files, copy.files == 1 ? "" : "s",
+      bytesText(static_cast<double>(copy.bytes)),
+      copy.ended > 0 ? " in " + durationText(copy.ended - copy.started) : ", not finished");
+  std::string names;
+  for (const auto& name : copy.names) names += htmlText(name) + "\n";
+  if (!names.empty()) html += "<pre class=\"command\">" + names + "</pre>\n";
+  if (!copy.problem.empty()) html += "<p class=\"reason\">" + htmlText(copy.problem) + "</p>\n";
+  return html;
+}
+
 struct ProcessLoad {
   std::size_t blocks = 0;
   double cells = 0;
@@ -266,6 +279,7 @@ std::string TLReportPage::stepDetails(std::size_t position) const {
   if (!kept.crashLines.empty()) html += "<p>It reported:</p>\n" + lineList(kept.crashLines);
   if (!kept.endTexts.empty()) html += "<p>It ended with:</p>\n" + lineList(kept.endTexts);
   html += residualPlots(kept.residuals);
+  for (const auto& copy : kept.copies) html += copyText(copy);
   if (!kept.blockProcess.empty() || !kept.processHosts.empty()) html += blockTable(kept);
   if (!kept.command.empty()) {
     html += "<p class=\"soft\">Started as</p>\n<pre class=\"command\">" +

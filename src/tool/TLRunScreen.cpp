@@ -92,6 +92,8 @@ std::string TLRunScreen::stepLine(const Content& content, std::size_t position,
     const bool known = step.lastText.empty() && position < content.lastLines.size();
     said = known ? content.lastLines[position] : step.lastText;
   }
+  const std::string transfer = transferText(step);
+  if (!transfer.empty()) rest += "  " + transfer;
   if (!said.empty()) rest += "  " + said;
   const std::string front =
       fmt::format(" {} {:<{}} ", kSigns[atStatus(step)],

@@ -21,6 +21,18 @@ Json residualsJson(const TLRunStateStep& step) {
   return json;
 }
 
+Json transferJson(const TLTransferProgress& transfer) {
+  return {{"direction", transfer.direction},
+          {"host", transfer.host},
+          {"file", transfer.file},
+          {"number", transfer.number},
+          {"count", transfer.count},
+          {"bytes", transfer.bytes},
+          {"total", transfer.total},
+          {"problem", transfer.problem},
+          {"kept_directory", transfer.keptDirectory}};
+}
+
 Json stepJson(const TLRunStateStep& step, std::size_t position) {
   return {{"step", position},
           {"name", step.name},
@@ -37,7 +49,8 @@ Json stepJson(const TLRunStateStep& step, std::size_t position) {
           {"iteration", step.iteration},
           {"iterations_asked", step.iterationsAsked},
           {"residuals", residualsJson(step)},
-          {"last_text", step.lastText}};
+          {"last_text", step.lastText},
+          {"transfer", transferJson(step.transfer)}};
 }
 
 std::string jobText(const TLRunStateStep& step) {
@@ -71,10 +84,45 @@ std::string progressText(const TLRunStateStep& step) {
   return text + fmt::format(" ({:.1f} orders {})", std::abs(orders), orders < 0 ? "up" : "down");
 }
 
+std::string bytesText(double bytes) {
+  constexpr std::array<const char*, 4> kUnits = {"B", "kB", "MB", "GB"};
+  std::size_t unit = 0;
+  for (; bytes >= 1000 && unit + 1 < kUnits.size(); ++unit) bytes /= 1000;
+  return fmt::format("{:.{}f} {}", bytes, unit == 0 ? 0 : 1, kUnits[unit]);
+}
+
+std::string transferText(const TLRunStateStep& step) {
+  const TLTransferProgress& transfer = step.transfer;
+  if (transfer.direction.empty()) {
+    if (transfer.problem.empty() || step.reason.find(transfer.problem) != std::string::npos)
+      return {};
+    if (transfer.keptDirectory.empty()) return transfer.problem;
+    return fmt::format("{}; what could not be fetched lies in {} on {}", transfer.problem,
+                       transfer.keptDirectory, transfer.host);
+  }
+  std::string text =
+      fmt::format("{} {}: {}", transfer.direction == "to" ? "copying to" : "fetching from",
+                  transfer.host, transfer.file);
+  std::string amount;
+  if (transfer.number > 0) amount = std::to_string(transfer.number);
+  if (transfer.count > 0) amount += fmt::format(" of {}", transfer.count);
+  if (transfer.total > 0) {
+    amount += fmt::format("{}{} of {}", amount.empty() ? "" : ", ",
+                          bytesText(static_cast<double>(transfer.bytes)),
+                          bytesText(static_cast<double>(transfer.total)));
+  } else if (transfer.bytes > 0) {
+    amount += fmt::format("{}{} so far", amount.empty() ? "" : ", ",
+                          bytesText(static_cast<double>(transfer.bytes)));
+  }
+  return amount.empty() ? text : fmt::format("{} ({})", text, amount);
+}
+
 std::string placeAndReason(const TLRunStateStep& step) {
   // Most reasons name the host themselves.
   const bool named = step.reason.find("host " + step.host) != std::string::npos;
-  const std::string what = step.reason.empty() ? progressText(step) : step.reason;
+  std::string what = step.reason.empty() ? progressText(step) : step.reason;
+  const std::string transfer = transferText(step);
+  if (!transfer.empty()) what += (what.empty() ? "" : "; ") + transfer;
   const std::string place = named ? std::string() : step.host + jobText(step);
   return place + (place.empty() || what.empty() ? "" : ": ") + what;
 }

@@ -17,8 +17,14 @@ double elapsedOf(const TLRunStateStep& step, double now);
 /// "iteration 1200 of 20000 (6 %), residual 2.0e-05 (6.5 orders down)", as much of it as is known.
 std::string progressText(const TLRunStateStep& step);
 
-/// "host, job 17 qw: why it ended", as much of it as there is; for a step without a reason how
-/// far it came.
+/// "copying to node18: fan.run (3 of 7, 12.3 of 40.0 MB)", or what a failed copy left; empty when
+/// nothing is carried and nothing went wrong.
+std::string transferText(const TLRunStateStep& step);
+/// "1.5 kB", "40.0 MB".
+std::string bytesText(double bytes);
+
+/// "host, job 17 qw: why it ended", as much of it as there is; for a step without a reason what
+/// is carried for it, or how far it came.
 std::string placeAndReason(const TLRunStateStep& step);
 
 /// "2 of 3 steps finished ok, 1 crashed".

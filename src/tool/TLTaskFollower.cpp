@@ -43,6 +43,7 @@ TLTaskFollower::TLTaskFollower(TLDaemonClient& client, TLRunState run, Files fil
       files_(std::move(files)),
       lastLines_(run_.steps.size()),
       reasonsSaid_(run_.steps.size()),
+      transfersSaid_(run_.steps.size()),
       iterationsSaid_(run_.steps.size(), 0),
       nextNews_(Clock::now() + kNewsInterval) {}
 
@@ -181,6 +182,19 @@ void TLTaskFollower::showReasons() {
   }
 }
 
+// That files are on their way, and what went wrong with them; the rest is for the lines of the
+// steps.
+void TLTaskFollower::showTransfers() {
+  for (std::size_t i = 0; i < run_.steps.size(); ++i) {
+    const TLTransferProgress& transfer = run_.steps[i].transfer;
+    const std::string& now = transfer.direction.empty() ? transfer.problem : transfer.direction;
+    if (now == transfersSaid_[i]) continue;
+    transfersSaid_[i] = now;
+    const std::string text = transferText(run_.steps[i]);
+    if (!text.empty()) printLine(label(i) + ": " + text);
+  }
+}
+
 void TLTaskFollower::showReports() {
   for (const auto& report : client_.takeEndReports()) {
     if (report.texts.empty()) continue;
@@ -222,6 +236,7 @@ void TLTaskFollower::takeFiles() {
   nextFiles_ = now + kFilesInterval;
   readState();
   showReasons();
+  showTransfers();
   if (drawsLive()) {
     takeLogs();
   } else if (mirror_ == nullptr && now >= nextNews_) {
@@ -245,9 +260,10 @@ void TLTaskFollower::takeLogs() {
 void TLTaskFollower::sayProgress() {
   for (std::size_t i = 0; i < run_.steps.size(); ++i) {
     const TLRunStateStep& step = run_.steps[i];
-    if (step.status != kRunning || step.iteration == iterationsSaid_[i]) continue;
+    const bool carried = !step.transfer.direction.empty();
+    if (!carried && (step.status != kRunning || step.iteration == iterationsSaid_[i])) continue;
     iterationsSaid_[i] = step.iteration;
-    printLine(label(i) + ": " + progressText(step));
+    printLine(label(i) + ": " + (carried ? transferText(step) : progressText(step)));
   }
 }
 

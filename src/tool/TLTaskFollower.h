@@ -58,6 +58,7 @@ class TLTaskFollower {
   bool obeyKeys();
   void showChanges(const std::vector<std::int32_t>& statuses);
   void showReasons();
+  void showTransfers();
   void showReports();
   void showBusy();
   void showResidualNews();
@@ -84,6 +85,7 @@ class TLTaskFollower {
   std::FILE* out_ = stdout;
   std::vector<std::string> lastLines_;        ///< of the steps' output
   std::vector<std::string> reasonsSaid_;      ///< per step
+  std::vector<std::string> transfersSaid_;    ///< per step its direction, or its problem
   std::vector<std::int32_t> iterationsSaid_;  ///< per step, in plain lines
   TLSteeringMirror* mirror_ = nullptr;
   bool plot_ = false;

@@ -52,6 +52,7 @@ TEST(ReportPage, TellsAllOfARunAndNeedsNothingBesideIt) {
        {"<title>fan &lt;2&gt;: 1 of 2 steps finished ok, 1 crashed</title>", "took 1 min 40 s",
         "ended by signal 11 on host vm", "negative volume &amp; \xEF\xBF\xBD",
         "solver &#39;a b.run&#39;", "3 blocks on 2 processes",
+        "Copied to n1: 7 files, 40.0 MB in 3.2 s", "no room on n1",
         "<td>0</td><td>n1</td><td class=\"number\">2</td><td class=\"number\">400</td>",
         "1e-02</text>", "rms <b>1.000e-05</b>", "log rms <b>-5.000e+00</b>",
         "MESH   12 blocks\nSOLVE  oops\n</pre>"}) {
