@@ -1,7 +1,7 @@
 # Completion of tlctl for bash: tlctl itself knows what fits, as lines of a word, a tabulator and
 # what it is.
 _tlctl() {
-  local cur words cword word about i
+  local cur words cword word i
   local -a typed=() lines=()
   if declare -F _get_comp_words_by_ref >/dev/null; then
     _get_comp_words_by_ref -n "=:" cur words cword
@@ -19,16 +19,12 @@ _tlctl() {
   mapfile -t lines < <("${words[0]/#~\//$HOME/}" complete "${typed[@]}" 2>/dev/null)
   COMPREPLY=()
   for word in "${lines[@]}"; do
-    about=${word#*$'\t'} word=${word%%$'\t'*}
+    word=${word%%$'\t'*}
     # With paths the shell sees to quotes, and to the "/" of a directory.
     case $word in
       */* | *.*) compopt -o filenames; word=${word%/} ;;
       *" "*) printf -v word %q "$word" ;;
     esac
-    # Positions of steps say little alone: in a list their names stand behind them.
-    if [[ $word =~ ^[0-9]+$ && ${#lines[@]} -gt 1 && $COMP_TYPE != 37 ]]; then
-      word="$word  ($about)"
-    fi
     COMPREPLY+=("$word")
   done
   if [[ $cur == *[=:]* ]] && declare -F __ltrim_colon_completions >/dev/null; then

@@ -21,9 +21,8 @@ _tlctl() {
       shownEntries+=("$shown")
     fi
   done
-  # -U: a step may be asked for by its name and is given by its position.
-  (( $#entries )) && compadd -U -Q -l -d shownEntries -a entries
-  (( $#directories )) && compadd -U -Q -S '' -d shownDirectories -a directories
+  (( $#entries )) && compadd -Q -l -d shownEntries -a entries
+  (( $#directories )) && compadd -Q -S '' -d shownDirectories -a directories
   (( $#entries + $#directories ))
 }
 _tlctl "$@"

@@ -288,7 +288,7 @@ Candidates TLCompletion::tasks(std::string_view begin, bool ended) const {
   return list;
 }
 
-// A position may also be asked for by the beginning of the step's name.
+// By their names, as far as those are one step's alone.
 Candidates TLCompletion::steps(const Line& line, std::string_view begin) const {
   std::string ignored;
   const auto state = TLDaemonFinder(userDirectory_)
@@ -298,9 +298,10 @@ Candidates TLCompletion::steps(const Line& line, std::string_view begin) const {
   for (std::size_t i = 0; i < state->steps.size(); ++i) {
     const auto& step = state->steps[i];
     const std::string position = std::to_string(i);
-    if (!position.starts_with(begin) && !step.name.starts_with(begin)) continue;
-    list.push_back(
-        {position, fmt::format("{}, {} on {}", step.name, statusText(step.status), step.host)});
+    const bool named = begin.empty() || !position.starts_with(begin);
+    const bool unique = findStep(*state, step.name, ignored) == static_cast<int>(i);
+    add(list, begin, named && unique ? step.name : position,
+        fmt::format("step {}, {} on {}", i, statusText(step.status), step.host));
   }
   return list;
 }
@@ -313,8 +314,9 @@ Candidates TLCompletion::settings(const Line& line, std::string_view begin) cons
   TLTaskFile file(state->taskFile);
   if (!file.read()) return list;
   const auto files = file.steeringFiles();
+  const auto step = findStep(*state, line.step, ignored);
   for (std::size_t i = 0; i < files.size(); ++i) {
-    if (files[i].empty() || (!line.step.empty() && line.step != std::to_string(i))) continue;
+    if (files[i].empty() || (step && *step != static_cast<int>(i))) continue;
     const auto set = readSteeringSet(files[i], ignored);
     if (!set) continue;
     const TLSteeringSettings changeable(set);

@@ -26,7 +26,7 @@ constexpr TLDaemonClient::Seconds kStopPatience{60.0};
 struct ControlOptions {
   std::string command;
   std::string task;
-  int step = kNoStep;
+  std::string step;  ///< position or name; empty for the whole task
   bool json = false;
 };
 
@@ -35,6 +35,7 @@ struct Contact {
   TLToolEnvironment environment;
   TLVirtualMachineStarter machine{environment.userDirectory()};
   std::optional<TLRunState> state;
+  int step = kNoStep;
 
   // A daemon hears only those who have told it that they are there.
   TLDaemonClient join() const {
@@ -50,12 +51,13 @@ bool reach(Contact& contact, const ControlOptions& options) {
 }
 
 // False, said, when a step is asked for that isn't there.
-bool isStep(const Contact& contact, const ControlOptions& options) {
-  const int count = static_cast<int>(contact.state->steps.size());
-  if (options.step < count) return true;
-  complain(options.command, fmt::format("there is no step {}: {} has steps 0 to {}", options.step,
-                                        contact.state->taskFile, count - 1));
-  return false;
+bool takeStep(Contact& contact, const ControlOptions& options) {
+  if (options.step.empty()) return true;
+  std::string error;
+  const auto step = findStep(*contact.state, options.step, error);
+  if (!step) complain(options.command, error);
+  contact.step = step.value_or(kNoStep);
+  return step.has_value();
 }
 
 // Statuses ----------------------------------------------------------------------------------
@@ -132,7 +134,7 @@ int answer(const ControlOptions& options, const Contact& contact, bool done,
     details["task_file"] = contact.state->taskFile;
     details["daemon"] = contact.state->tid;
     details["done"] = done;
-    if (options.step != kNoStep) details["step"] = options.step;
+    if (contact.step != kNoStep) details["step"] = contact.step;
     printAnswer(options.command, std::move(details));
   } else if (done) {
     fmt::print("{}\n", text);
@@ -151,41 +153,41 @@ std::string busyText(const Contact& contact) {
 int stopTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
+  if (!takeStep(contact, options)) return TLExitCode::kWrongUse;
   TLDaemonClient client = contact.join();
-  if (options.step == kNoStep) {
+  if (contact.step == kNoStep) {
     const bool done = client.ask(TL_MSG_STOP, -1, TL_MSG_STOP, kStopPatience);
     return answer(options, contact, done,
                   done ? fmt::format("all steps of {} are stopped", contact.state->taskFile)
                        : busyText(contact));
   }
-  client.send(TL_MSG_STOP, options.step);
+  client.send(TL_MSG_STOP, contact.step);
   if (!refresh(contact)) return answer(options, contact, false, busyText(contact));
   const std::string word =
-      statusText(contact.state->steps[static_cast<std::size_t>(options.step)].status);
-  return answer(options, contact, true, fmt::format("step {}: {}", options.step, word),
+      statusText(contact.state->steps[static_cast<std::size_t>(contact.step)].status);
+  return answer(options, contact, true, fmt::format("step {}: {}", contact.step, word),
                 {{"word", word}});
 }
 
 int suspendTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
+  if (!takeStep(contact, options)) return TLExitCode::kWrongUse;
   TLDaemonClient client = contact.join();
-  if (options.step == kNoStep) {
+  if (contact.step == kNoStep) {
     return answer(options, contact, client.send(TL_MSG_SUSPEND_TASK),
                   "asked to end after the next iteration; the daemon ends with the solver");
   }
-  return answer(options, contact, client.send(TL_MSG_SUSPEND_SUBTASK, options.step),
-                fmt::format("step {} is asked to end after the next iteration", options.step));
+  return answer(options, contact, client.send(TL_MSG_SUSPEND_SUBTASK, contact.step),
+                fmt::format("step {} is asked to end after the next iteration", contact.step));
 }
 
 int saveSolution(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
-  if (!isStep(contact, options)) return TLExitCode::kWrongUse;
-  return answer(options, contact, contact.join().send(TL_MSG_SAVE_SOLUTION, options.step),
-                fmt::format("step {} is asked to save its solution", options.step));
+  if (!takeStep(contact, options)) return TLExitCode::kWrongUse;
+  return answer(options, contact, contact.join().send(TL_MSG_SAVE_SOLUTION, contact.step),
+                fmt::format("step {} is asked to save its solution", contact.step));
 }
 
 int replayEnds(const ControlOptions& options) {
@@ -231,8 +233,7 @@ std::function<std::function<int()>(CLI::App&)> withOptions(int wants,
                      "task file, task name or daemon; the only one if left out");
     }
     if ((wants & (kStep | kStepNeeded)) != 0) {
-      app.add_option("--step", options->step, "position of the step, from 0")
-          ->check(CLI::NonNegativeNumber)
+      app.add_option("--step", options->step, "name of the step, or its position from 0")
           ->required((wants & kStepNeeded) != 0);
     }
     declareJson(app, options->json);

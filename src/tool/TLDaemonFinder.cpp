@@ -31,6 +31,21 @@ bool isMeant(const TLRunState& state, const std::string& who) {
          std::to_string(state.tid) == who;
 }
 
+std::optional<int> findStep(const TLRunState& state, const std::string& word, std::string& error) {
+  std::string known;
+  std::vector<int> found;
+  for (int i = 0; i < static_cast<int>(state.steps.size()); ++i) {
+    const std::string& name = state.steps[static_cast<std::size_t>(i)].name;
+    known += fmt::format("{}{} {}", known.empty() ? "" : ", ", i, name);
+    if (word == std::to_string(i)) return i;
+    if (word == name) found.push_back(i);
+  }
+  if (found.size() == 1) return found.front();
+  error = fmt::format("{} step {}: {} has {}", found.empty() ? "there is no" : "more than one is",
+                      word, state.taskFile, known);
+  return std::nullopt;
+}
+
 bool isLive(const TLRunState& state) {
   const std::string here = hostForm().hostName();
   const std::string there = state.host.substr(0, state.host.find('.'));

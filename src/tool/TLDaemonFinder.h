@@ -25,6 +25,10 @@ class TLDaemonFinder {
   std::string userDirectory_;
 };
 
+/// The position of the step that `word` means: a position, or the name of one step alone. None when
+/// there is no such step; `error` then says what there is.
+std::optional<int> findStep(const TLRunState& state, const std::string& word, std::string& error);
+
 /// True when the process of the state file exists on this host, or can't be seen from here.
 bool isLive(const TLRunState& state);
 /// True when `who` names this run: by the path of its task file, its task, or its daemon.

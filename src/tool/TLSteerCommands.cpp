@@ -26,7 +26,7 @@ struct SteerOptions {
   std::string action;
   std::string name;
   std::string value;  ///< the rest of the command line
-  int step = kNoStep;
+  std::string step;   ///< position or name; empty for the only solver
   bool json = false;
 };
 
@@ -121,7 +121,12 @@ int steer(const SteerOptions& options) {
     if (!state) complain("steer", error);
     return TLExitCode::kNobodyThere;
   }
-  const std::string file = steeringFileOf(state->taskFile, options.step, error);
+  const auto step = options.step.empty() ? kNoStep : findStep(*state, options.step, error);
+  if (!step) {
+    complain("steer", error);
+    return TLExitCode::kWrongUse;
+  }
+  const std::string file = steeringFileOf(state->taskFile, *step, error);
   const auto set = file.empty() ? nullptr : readSteeringSet(file, error);
   if (!set) {
     fmt::print(stderr, "{}", error);
@@ -170,8 +175,7 @@ std::function<int()> defineSteer(CLI::App& app) {
       ->required()
       ->check(CLI::IsMember({"list", "get", "set"}));
   app.add_option("NAME", options->name, "setting, as list shows it; a value follows for set");
-  app.add_option("--step", options->step, "position of the solver's step, from 0")
-      ->check(CLI::NonNegativeNumber);
+  app.add_option("--step", options->step, "name of the solver's step, or its position from 0");
   declareJson(app, options->json);
   app.allow_extras();
   return [options, &app] {

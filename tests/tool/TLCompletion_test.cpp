@@ -49,9 +49,10 @@ class Completion : public ::testing::Test {
     state.host = "elsewhere";
     state.taskFile = file;
     state.taskName = name;
-    state.steps.resize(2);
+    state.steps.resize(3);
     state.steps[0].name = "MESH";
     state.steps[1].name = "SOLVER";
+    state.steps[2].name = "MESH";
     ASSERT_EQ(state.save(directory_), 0);
   }
 
@@ -89,8 +90,9 @@ TEST_F(Completion, OffersWhatFits) {
       {{"status", "p"}, {"plate"}},
       {{"status", in}, {in + "heat.task"}},  // the other file doesn't tell which daemon
       {{"status", ""}, {in + "heat.task", "8", "9"}},
-      {{"stop", "plate", "--step", ""}, {"0", "1"}},
-      {{"stop", "plate", "--step", "SO"}, {"1"}},
+      {{"stop", "plate", "--step", ""}, {"0", "SOLVER", "2"}},  // two bear one name
+      {{"stop", "plate", "--step", "SO"}, {"SOLVER"}},
+      {{"stop", "plate", "--step", "1"}, {"1"}},
       {{"stop", "twice", "--step", ""}, {}},  // more than one fits
       {{"steer", "plate", "g"}, {"get"}},
       {{"report", in + "o"}, {in + "over.task"}},
