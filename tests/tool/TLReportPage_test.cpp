@@ -32,6 +32,7 @@ TLKeptRun example(const std::string& log) {
   solver.crashLines = {"negative volume & \xff"};
   solver.processHosts = {"n1", "n2"};
   solver.blockProcess = {0, 1, 0};
+  solver.copies.push_back({"to", "n1", 7, 40'000'000, 1030, 1033.2, {"fan.run"}, "no room on n1"});
   solver.blockCells = {100, 400, 300};
   solver.residuals.reserve(2);
   TLPlotSeries& rms = solver.residuals.emplace_back("rms");
