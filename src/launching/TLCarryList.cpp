@@ -68,11 +68,20 @@ void TLCarryList::makeDirectory(const RWCString& path) {
   add(TLCarryAction::Kind::command).text = far_.makeDirectory(path);
 }
 
+std::int64_t TLCarryList::bytesToGo(const RWCString& source) const {
+  for (const auto& action : actions_) {
+    const bool made = action.kind == TLCarryAction::Kind::write && action.target == source;
+    if (made) return static_cast<std::int64_t>(action.text.size());
+  }
+  return bytesOf(source);
+}
+
 void TLCarryList::copy(const RWCString& source, const RWCString& target, bool needed) {
+  const std::int64_t bytes = bytesToGo(source);
   TLCarryAction& action = add(TLCarryAction::Kind::copy);
   action.source = source;
   action.target = target;
-  action.bytes = bytesOf(source);
+  action.bytes = bytes;
   action.needed = needed;
 }
 

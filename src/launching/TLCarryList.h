@@ -56,6 +56,8 @@ class TLCarryList {
 
  private:
   TLCarryAction& add(TLCarryAction::Kind kind);
+  /// Of a file that is there, or that the list makes before.
+  std::int64_t bytesToGo(const RWCString& source) const;
 
   TLFarSide far_;
   std::vector<TLCarryAction> actions_;
