@@ -61,12 +61,17 @@ RWCString farUnixPath(const RWCString& path) {
 }
 
 RWCString farWin32Path(const RWCString& path) {
-  RWCString result = quoteWithStar(escapeForShell(path));
+  RWCString name = path;
+  // No name of such a host holds these, and a shell on the way would act on them.
+  if (isPosix()) std::erase_if(name, [](char c) { return c == '"' || c == '\n'; });
+  RWCString result = quoteWithStar(escapeForShell(name));
   toBackslashes(result);
   if (!isPosix()) return result;
   for (std::size_t i = result.find('`'); i != RWCString::npos; i = result.find('`', i + 2)) {
     result.insert(i, 1, '\\');
   }
+  // The quote behind a directory's last backslash has to end the word.
+  if (result.ends_with("\\\"*")) result.insert(result.size() - 2, 1, '\\');
   return result;
 }
 

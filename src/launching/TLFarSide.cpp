@@ -5,22 +5,6 @@
 #include "launching/TLPathText.h"
 #include "taskengine/TLSubTask.h"
 
-namespace {
-
-/// A Windows name holds no quotes and no line ends; whatever claims to is no name of a file.
-RWCString win32Word(const RWCString& path) {
-  constexpr const char* kPlain =
-      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/\\:+@~*";
-  if (path.find_first_not_of(kPlain) == RWCString::npos) return path;
-  RWCString result;
-  for (const char c : path) {
-    if (c != '"' && c != '\n' && c != '\r') result += c;
-  }
-  return '"' + result + '"';
-}
-
-}  // namespace
-
 TLFarSide::TLFarSide(const TLSubTask& step)
     : TLFarSide(step.hostName, step.remoteLogin, step.isWin32Host != 0, step.remoteRunDir) {}
 
@@ -35,9 +19,7 @@ RWCString TLFarSide::spec() const {
 }
 
 RWCString TLFarSide::word(const RWCString& path, const char* pattern) const {
-  if (win32_) return win32Word(path + pattern);
-  // A name that a program would take for an option gets its directory in front.
-  return (path.starts_with('-') ? "./" : "") + maskForFarShell(path, false) + pattern;
+  return wordForHost(path, win32_, pattern);
 }
 
 RWCString TLFarSide::makeDirectory(const RWCString& path) const {

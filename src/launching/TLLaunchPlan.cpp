@@ -177,7 +177,7 @@ class Planner {
   void planJob() {
     const std::int32_t kind = draft_.loadBalancing.queuingSystemActivated;
     const RWCString runFile = firstValue(draft_.spawnArguments);
-    plan_.submission = submitCommand(kind, jobScriptPath(kind, runFile));
+    plan_.submission = submitCommand(kind, jobScriptPath(kind, runFile), draft_.win32);
     if (plan_.submission.empty()) {
       plan_.notes.push_back("no queuing system has the number " + std::to_string(kind) +
                             ": the step would fail to start");

@@ -3,6 +3,26 @@
 #include <algorithm>
 #include <string_view>
 
+namespace {
+
+/// A Windows name holds no quotes and no line ends; whatever claims to is no name of a file. A host
+/// that nobody knows counts as such a host, too: what a UNIX shell would start between the quotes
+/// goes as well.
+RWCString win32Word(const RWCString& path) {
+  constexpr std::string_view kPlain =
+      "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789._-/\\:+@~*";
+  if (path.find_first_not_of(kPlain) == RWCString::npos) return path;
+  RWCString result;
+  for (const char c : path) {
+    if (c == '"' || c == '\n' || c == '\r' || c == '`') continue;
+    while ((c == '(' || c == '{') && result.ends_with('$')) result.pop_back();
+    result += c;
+  }
+  return '"' + result + '"';
+}
+
+}  // namespace
+
 RWCString stripTrailingSlashes(const RWCString& path) {
   const auto last = path.find_last_not_of("/\\");
   return last == RWCString::npos ? RWCString() : path.substr(0, last + 1);
@@ -67,6 +87,12 @@ RWCString maskForFarShell(const RWCString& text, bool stars) {
     result += c;
   }
   return result;
+}
+
+RWCString wordForHost(const RWCString& path, bool win32, const RWCString& pattern) {
+  if (win32) return win32Word(path + pattern);
+  // A name that a program would take for an option gets its directory in front.
+  return (path.starts_with('-') ? "./" : "") + maskForFarShell(path, false) + pattern;
 }
 
 RWCString escapeForRemoteUnix(const RWCString& text) {

@@ -23,5 +23,8 @@ RWCString escapeForShell(const RWCString& text);
 /// Every character that is no part of a plain name masked by a backslash: one word for any UNIX
 /// shell. With `stars` those of a pattern stay as they are.
 RWCString maskForFarShell(const RWCString& text, bool stars);
+/// A path as one word of a command on a host of the given kind; what stands in it arrives as it is.
+/// `pattern` follows it and keeps its stars.
+RWCString wordForHost(const RWCString& path, bool win32, const RWCString& pattern = {});
 /// What a UNIX host's shell would take apart, masked by a backslash each ("!" by two).
 RWCString escapeForRemoteUnix(const RWCString& text);

@@ -6,6 +6,7 @@
 #include "launching/TLJobListing.h"
 #include "launching/TLJobScript.h"
 #include "launching/TLLaunchLines.h"
+#include "launching/TLPathText.h"
 #include "launching/TLQueueCommand.h"
 #include "launching/TLQueuingKind.h"
 #include "launching/TLTransfer.h"
@@ -39,7 +40,8 @@ class Submission {
     step_.logFile = withRunReplaced(firstValue(step_.spawnArguments), ".std");
     if (isCarried() && !carry()) return TLJobQueue::kCopyFailed;
     const RWCString path = jobScriptPath(number(), firstValue(step_.spawnArguments));
-    remoteExec(step_.hostName, submitCommand(number(), path), step_.remoteLogin, {});
+    remoteExec(step_.hostName, submitCommand(number(), path, step_.isWin32Host != 0),
+               step_.remoteLogin, {});
     job = findJob();
     return 0;
   }
@@ -110,9 +112,11 @@ RWCString firstValue(const TLProcessArguments& arguments) {
   return arguments.count() > 0 ? arguments.at(0)->value() : RWCString();
 }
 
-RWCString submitCommand(std::int32_t kind, const RWCString& path) {
+RWCString submitCommand(std::int32_t kind, const RWCString& path, bool win32) {
   const TLQueuingKind* system = queuingKind(kind);
-  return system == nullptr ? RWCString() : RWCString(system->submit) + hostForm().bare(path);
+  if (system == nullptr) return {};
+  const RWCString word = win32 ? RWCString(hostForm().bare(path)) : wordForHost(path, false);
+  return RWCString(system->submit) + word;
 }
 
 int TLQueuingSystem::submit(TLSubTask& step, const RWCString& precision, std::int32_t& job) {

@@ -16,5 +16,6 @@ class TLProcessArguments;
 RWCString firstValue(const TLProcessArguments& arguments);
 /// The precision as a job's script is told it: "sp", "hp", "dp" or empty.
 RWCString jobPrecision(const TLLaunchDraft& draft);
-/// The command line that submits the script at `path`; empty for an unknown kind.
-RWCString submitCommand(std::int32_t kind, const RWCString& path);
+/// The command line that submits the script at `path` on a host of the given kind; empty for an
+/// unknown queuing system.
+RWCString submitCommand(std::int32_t kind, const RWCString& path, bool win32);

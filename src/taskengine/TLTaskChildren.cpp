@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "launching/TLCommands.h"
+#include "launching/TLPathText.h"
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
@@ -195,5 +196,8 @@ void TLTaskChildren::touchStopFile(TLSubTask& step) {
   if (const auto found = file.find(runSuffix); found != RWCString::npos) {
     file.replace(found, runSuffix.size(), ".stop");
   }
-  remoteExec(step.hostName, "touch " + hostForm().bare(file), step.remoteLogin, "");
+  // A host that nobody knows counts as a Windows one, and may be this one.
+  const RWCString word =
+      step.isWin32Host != 0 ? RWCString(hostForm().bare(file)) : wordForHost(file, false);
+  remoteExec(step.hostName, "touch " + word, step.remoteLogin, "");
 }

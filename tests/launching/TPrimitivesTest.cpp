@@ -78,11 +78,13 @@ TEST_P(Primitives, RemoteCopyComposesBothSides) {
   EXPECT_EQ(remoteCopy("far", "/tmp/a(1)/*", "", win32() ? "D:\\back" : "/back", "UNIX"), 0);
   EXPECT_EQ(remoteCopy("far", "C:\\tmp\\q.*", "", "here", "WIN32"), 0);
   EXPECT_EQ(remoteCopyTree("far", "/tmp/t", "", "here/", "UNIX"), 1);
+  if (!win32()) remoteCopyTree("far", "C:\\\";touch x;\"\\tm_1/*", "", "here", "WIN32");
   const std::string name = tool("tlrcp");
   EXPECT_EQ(recorded(), name + "|-b|" + (win32() ? "\\a\\b" : "/a/b") + "|far.alice:/tmp/x\\ y\n" +
                             name + "|-b|far:/tmp/a\\(1\\)/*|" + (win32() ? "\\back" : "/back") +
                             "\n" + name + "|-b|far:C:\\tmp\\q.*|here\n" + name +
-                            "|-b|-r|far:/tmp/t|here\n");
+                            "|-b|-r|far:/tmp/t|here\n" +
+                            (win32() ? "" : name + "|-b|-r|far:C:\\;touch x;\\tm_1\\*|here\n"));
 }
 
 TEST_P(Primitives, WhatACopyPrintsMakesItAFailure) {

@@ -664,6 +664,8 @@ TEST_F(Transfers, OfAFailedStartAreRemoved) {
             "script message \"Removing remote temporary directory C:\\\\my tmp\\\\tm_N\"\n"
             "tlrsh|-l|me|win|del /q \"C:\\my tmp\\tm_N\\*.*\"\n"
             "tlrsh|-l|me|win|rmdir \"C:\\my tmp\\tm_N\"\n");
+  step->remoteRunDir = "C:\\$$`(touch x)\"`y`\\tm_70001";
+  EXPECT_THAT(discard(), HasSubstr("|rmdir \"C:\\(touch x)y\\tm_N\"\n"));
   step->hostName = "here";
   EXPECT_EQ(discard(), "");
 }
