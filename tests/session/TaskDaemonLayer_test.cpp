@@ -77,6 +77,8 @@ TEST_F(TaskDaemonLayerTest, everyReportReadsAsASentence) {
     EXPECT_EQ(evalScript(RWCString("task_manager_receive_message ") + report), 0);
     EXPECT_THAT(reports(), EndsWith(RWCString("\t") + sentence));
   }
+  value("task_manager_receive_message {Copy of /a to b:/c failed: no space}");
+  EXPECT_THAT(reports(), EndsWith("\t✖\tCopy of /a to b:/c failed: no space"));
 }
 
 TEST_F(TaskDaemonLayerTest, reportOfEveryCycleTakesOneLine) {

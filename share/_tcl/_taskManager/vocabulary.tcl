@@ -58,9 +58,16 @@ namespace eval ::vocabulary {
     {Remote temporary directory:\s*(.*)} info {Remote temporary directory: \1}
     {Retrieving files(?: from directory)?:?\s*(.*)} info {Fetching the results from \1}
     {Removing remote temporary directory:?\s*(.*)}  info {Removing the remote temporary directory \1}
+    {(Copy of .* failed: .*)}           bad  {\1}
+    {(Retrieval of .* (?:failed: |was not tried: ).*)} bad {\1}
+    {(The directory .* belongs to somebody else: .*)}  bad {\1}
+    {(The file .*, which goes to host .*)}             bad {\1}
+    {(What could not be fetched is kept on host .*)}   warn {\1}
+    {(The launch waits for the solver's definitions\. .*)} warn {\1}
+    {(The virtual machine of this host is gone: .*)}   bad {\1}
   }
   # What no pattern begins with needs no look at each of them.
-  variable beginnings {^(?:REMOVE_S|SUBTASK_|TASK_|TL_v|Try |Argu|Tran|Copy|Remo|Retr)}
+  variable beginnings {^(?:REMOVE_S|SUBTASK_|TASK_|TL_v|Try |Argu|Tran|Copy|Remo|Retr|The |What could )}
   variable sentences
   array set sentences {}
   foreach {word kind sentence} $words {
