@@ -21,14 +21,14 @@ configure_file(share/suite/settings.ini.in settings.ini @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/settings.ini DESTINATION . COMPONENT staged)
 
 # What an installation needs, without tests and benchmarks.
-add_custom_target(suite DEPENDS tltaskmgr tlctl killsem)
+add_custom_target(suite DEPENDS tltaskmgr tlhostwatch tlctl killsem)
 foreach(tool heatmesh velstraTurbo velstraTurbo_mpi heatpicture tlfaketool)
   if(TARGET ${tool})
     add_dependencies(suite ${tool})
   endif()
 endforeach()
 
-install(TARGETS tltaskmgr killsem DESTINATION ${TL_BIN_DIR})
+install(TARGETS tltaskmgr tlhostwatch killsem DESTINATION ${TL_BIN_DIR})
 install(TARGETS tlctl DESTINATION ${TL_BIN_DIR} COMPONENT tools)
 install(CODE "file(CREATE_LINK tltaskmgr
   \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${TL_BIN_DIR}/tltaskmgrx86_64\" SYMBOLIC)")

@@ -92,6 +92,7 @@ int main(int argc, char** argv) {
   TLEnvironmentVariables::initWin32(argc, argv);
   initFileCommands();
   installLaunching();
+  TL_virtual_machine_use_companions(companionProgram());
   gTaskSession = new TkSession(argc, argv);  // lives as long as the process
   registerTaskCommands();
   setTaskManagerEnd(endTaskManager);

@@ -6,9 +6,12 @@
 #include <sys/select.h>
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
+#include <thread>
 #include <utility>
 
+#include "messaging/TLOtherHosts.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "session/TLScript.h"
@@ -26,6 +29,11 @@ bool gLost = false;
 // This host as the table told it first. A host keeps its name and kind for as long as a process of
 // it is enrolled.
 TLVirtualMachineHost gOwnHost;
+
+TLOtherHosts& otherHosts() {
+  static TLOtherHosts hosts;
+  return hosts;
+}
 
 int truth(int code) {
   return code >= 0 ? 1 : 0;
@@ -164,6 +172,49 @@ void rememberOwnHost(const std::vector<TLVirtualMachineHost>& hosts) {
   if (host != hosts.end()) gOwnHost = *host;
 }
 
+std::vector<TLVirtualMachineHost> hostTable() {
+  std::int32_t hostCount = 0;
+  std::int32_t archCount = 0;
+  std::vector<TLVirtualMachineHost> hosts;
+  TL_virtual_machine_config(hostCount, archCount, hosts);
+  return hosts;
+}
+
+/// The daemon of the other host on which `tid` lives; 0 for a task of this one, and for what is no
+/// task.
+std::int32_t otherHostOf(std::int32_t tid) {
+  constexpr std::int32_t kTaskBits = (1 << 18) - 1;
+  constexpr std::int32_t kSpecial = 1 << 30;
+  if (tid <= 0 || (tid & kSpecial) != 0 || (tid & kTaskBits) == 0) return 0;
+  if (gOwnHost.tid == 0) hostTable();
+  const std::int32_t host = pvm_tidtohost(tid);
+  return host == gOwnHost.tid ? 0 : std::max(host, 0);
+}
+
+RWCString hostNameOf(std::int32_t tid) {
+  const auto hosts = hostTable();
+  const auto host = std::find_if(hosts.begin(), hosts.end(),
+                                 [tid](const TLVirtualMachineHost& h) { return h.tid == tid; });
+  return host == hosts.end() ? std::to_string(tid) : host->name;
+}
+
+/// The daemon of another host by the host's name; 0 for this host and for one that isn't there.
+std::int32_t otherHostNamed(const RWCString& name) {
+  const auto hosts = hostTable();
+  const auto host = std::find_if(hosts.begin(), hosts.end(),
+                                 [&](const TLVirtualMachineHost& h) { return h.name == name; });
+  return host == hosts.end() || host->tid == gOwnHost.tid ? 0 : host->tid;
+}
+
+// A host may have fallen silent since the launch began, while files were carried to it.
+void waitForHost(const RWCString& host) {
+  constexpr auto kLook = std::chrono::milliseconds(100);
+  while (TL_virtual_machine_obstacle(host)) {
+    evalScript("update");
+    std::this_thread::sleep_for(kLook);
+  }
+}
+
 RWCString localMachineName() {
   constexpr std::size_t kLongest = 256;
   const RWCString name = hostForm().hostName();
@@ -197,9 +248,27 @@ const TLVirtualMachineHost* TL_virtual_machine_own_host() {
   return gOwnHost.tid == 0 || !gAllowed || gLost ? nullptr : &gOwnHost;
 }
 
+void TL_virtual_machine_use_companions(const RWCString& program) {
+  otherHosts().useProgram(program);
+}
+
+TLSilentHost TL_virtual_machine_silence(std::int32_t tid) {
+  if (!otherHosts().inUse() || !gAllowed) return {};
+  const std::int32_t host = otherHostOf(tid);
+  return host == 0 ? TLSilentHost() : otherHosts().silence(host);
+}
+
+TLSilentHost TL_virtual_machine_obstacle(const RWCString& host) {
+  const TLVirtualMachineHost* own = TL_virtual_machine_own_host();
+  if (!otherHosts().inUse() || (own != nullptr && own->name == host)) return {};
+  const std::int32_t tid = otherHostNamed(host);
+  return tid == 0 ? TLSilentHost() : otherHosts().obstacle(tid, hostNameOf);
+}
+
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
                                       const TLProcessArguments& arguments, std::int32_t& tid) {
   ArgumentVector words(commandWords(arguments));
+  waitForHost(host);
   int task = 0;
   const int answer =
       pvm_spawn(mutableText(executable), words.get(), PvmTaskHost, mutableText(host), 1, &task);
@@ -238,7 +307,9 @@ bool TL_virtual_machine_next_end(std::int32_t& tid, std::int32_t& waitStatus) {
 
 std::int32_t TL_virtual_machine_status(std::int32_t tid) {
   if (!gAllowed) return PvmSysErr;
-  return pvm_pstat(tid);
+  const std::int32_t host = otherHosts().inUse() ? otherHostOf(tid) : 0;
+  if (host == 0) return pvm_pstat(tid);
+  return otherHosts().status(host, tid, hostNameOf, [tid] { return pvm_pstat(tid); });
 }
 
 std::int32_t TL_virtual_machine_kill(std::int32_t tid) {

@@ -51,6 +51,31 @@ std::int32_t TL_virtual_machine_config(std::int32_t& hostCount, std::int32_t& ar
 /// there is no virtual machine to ask.
 const TLVirtualMachineHost* TL_virtual_machine_own_host();
 
+/// A host that has left a question about it unanswered.
+struct TLSilentHost {
+  RWCString name;
+  double since = 0;  ///< when it was asked, in seconds since the epoch; 0: there is no such host
+
+  explicit operator bool() const { return since != 0; }
+  bool operator==(const TLSilentHost&) const = default;
+};
+
+/// @name Other hosts. PVM holds a caller who asks about a host that is cut off for some three
+/// minutes. With companions such questions are asked by processes of their own, and this one goes
+/// on after a quarter of a second at most: the answer is then the last one known, until PVM has
+/// answered. Without, each question waits as PVM does.
+/// @{
+/// `program` is the companion's path. It is started by the first question about another host.
+void TL_virtual_machine_use_companions(const RWCString& program);
+/// The companion's path in this installation: beside the running program.
+RWCString companionProgram();
+/// The host of task `tid` when it doesn't answer. Never waits.
+TLSilentHost TL_virtual_machine_silence(std::int32_t tid);
+/// What a start on `host` would have to wait for: that host or, as long as PVM waits for it,
+/// another one.
+TLSilentHost TL_virtual_machine_obstacle(const RWCString& host);
+/// @}
+
 /// Starts one task of `executable` on `host`. 0 on success, `tid` then being the new task's;
 /// otherwise the code that PVM filled in for the task. Tells the script of either.
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,

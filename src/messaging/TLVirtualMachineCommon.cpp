@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "messaging/TLVirtualMachine.h"
+#include "platform/TLHostForm.h"
 #include "taskengine/TLProcessArguments.h"
 
 std::vector<RWCString> commandWords(const TLProcessArguments& arguments) {
@@ -42,4 +43,9 @@ bool hostIsKnown(const RWCString& hostName) {
 std::int32_t hostIsWin32(const RWCString& hostName) {
   const auto host = hostNamed(hostName);
   return !host || host->arch == "WIN32" ? 1 : 0;
+}
+
+RWCString companionProgram() {
+  TLHostForm& form = hostForm();
+  return form.realPath(form.join(form.directoryOf(form.executablePath()), "tlhostwatch"));
 }

@@ -1,6 +1,7 @@
 #include "platform/TLProcess.h"
 
 #include <fcntl.h>
+#include <linux/close_range.h>
 #include <signal.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -23,6 +24,7 @@ struct ChildPlan {
   const char* outputFile;
   const char* directory;
   bool ownSession;
+  int channel;
 };
 
 ChildPlan makePlan(const std::vector<std::string>& words, const TLProcessOptions& options) {
@@ -43,6 +45,7 @@ ChildPlan makePlan(const std::vector<std::string>& words, const TLProcessOptions
   plan.outputFile = options.outputFile.empty() ? "/dev/null" : options.outputFile.c_str();
   plan.directory = options.directory.empty() ? nullptr : options.directory.c_str();
   plan.ownSession = options.ownSession;
+  plan.channel = options.channel;
   return plan;
 }
 
@@ -54,6 +57,11 @@ ChildPlan makePlan(const std::vector<std::string>& words, const TLProcessOptions
   if (output >= 0) {
     dup2(output, 1);
     dup2(output, 2);
+  }
+  if (plan.channel >= 0) {
+    dup2(plan.channel, 0);
+    dup2(plan.channel, 1);
+    close_range(3, ~0U, CLOSE_RANGE_CLOEXEC);
   }
   if (plan.directory == nullptr || chdir(plan.directory) == 0) {
     execvpe(plan.words[0], plan.words.data(), plan.environment.data());

@@ -11,6 +11,9 @@ struct TLProcessOptions {
   std::map<std::string, std::string> environment;  ///< set on top of this process's own
   std::string directory;   ///< working directory; empty: this process's
   bool ownSession = false; ///< true: a session of its own, out of reach of the terminal's signals
+  /// A descriptor of this process that becomes its standard input and output, in the place of
+  /// `outputFile`; it then inherits no other but the standard error, which is dropped. -1: none.
+  int channel = -1;
 };
 
 /// A process started in the background. Unless detached it is ended (SIGTERM, after a grace time

@@ -26,7 +26,7 @@ double secondsNow() {
 bool differs(const TLRunStateStep& entry, const TLSubTask& step) {
   return entry.status != step.status || entry.children != step.children ||
          entry.reason != step.endReason || entry.queueState != step.queueState ||
-         entry.transfer != step.transfer;
+         entry.transfer != step.transfer || entry.silentSince != step.silentHost().since;
 }
 
 std::vector<std::string> textsOf(const TLProcessMessage& message) {
@@ -145,6 +145,9 @@ void TLRunRecorder::record(const TLTask& task, std::size_t position) {
   entry.queueState = step.queueState;
   if (entry.transfer != step.transfer) noteTransfer(position, step.transfer);
   entry.transfer = step.transfer;
+  const TLSilentHost silent = step.silentHost();
+  entry.silentHost = silent.name;
+  entry.silentSince = silent.since;
   entry.iterationsAsked = iterationsAsked(step);
 }
 

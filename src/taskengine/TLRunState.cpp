@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <ctime>
 #include <nlohmann/json.hpp>
 #include <string_view>
 
@@ -65,6 +66,8 @@ Json stepToJson(const TLRunStateStep& step) {
             {"ended", step.ended},
             {"reason", step.reason},
             {"queue_state", step.queueState},
+            {"silent_host", step.silentHost},
+            {"silent_since", step.silentSince},
             {"iteration", step.iteration},
             {"iterations_asked", step.iterationsAsked},
             {"residuals", residualsToJson(step.residuals)},
@@ -86,6 +89,8 @@ TLRunStateStep stepFromJson(const Json& json) {
   step.ended = json.value("ended", 0.0);
   step.reason = json.value("reason", "");
   step.queueState = json.value("queue_state", "");
+  step.silentHost = json.value("silent_host", "");
+  step.silentSince = json.value("silent_since", 0.0);
   step.iteration = json.value("iteration", 0);
   step.iterationsAsked = json.value("iterations_asked", 0);
   step.lastText = json.value("last_text", "");
@@ -98,6 +103,16 @@ TLRunStateStep stepFromJson(const Json& json) {
 }
 
 }  // namespace
+
+std::string TLRunStateStep::silenceText() const {
+  if (silentSince <= 0) return {};
+  const auto second = static_cast<std::time_t>(silentSince);
+  std::tm local = {};
+  localtime_r(&second, &local);
+  return fmt::format("{}host {}not answering since {:02}:{:02}:{:02}", status == 0 ? "waits: " : "",
+                     silentHost == host ? "" : silentHost + ' ', local.tm_hour, local.tm_min,
+                     local.tm_sec);
+}
 
 TLRunState TLRunState::fromJson(const Json& json) {
   TLRunState state;

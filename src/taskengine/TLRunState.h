@@ -31,6 +31,9 @@ struct TLRunStateStep {
   std::string reason;      ///< why it ended, one sentence; empty when it runs or all is well
   std::string queueState;  ///< the queuing system's own word for the job; empty if none
 
+  std::string silentHost;  ///< a host that doesn't answer, for which the step waits; empty: none
+  double silentSince = 0;  ///< when it was asked; 0: there is none
+
   std::int32_t iteration = 0;        ///< the last one that its solver has told; 0 none
   std::int32_t iterationsAsked = 0;  ///< 0 unknown
   std::vector<TLRunStateResidual> residuals;
@@ -38,6 +41,10 @@ struct TLRunStateStep {
 
   /// What of its files is on its way to its host or back, and what a failed copy left where.
   TLTransferProgress transfer;
+
+  /// "host not answering since 10:11:12", for a step that isn't started for that "waits: ..." with
+  /// the host's name when it is another one's; empty when there is no such host.
+  std::string silenceText() const;
 
   bool operator==(const TLRunStateStep&) const = default;
 };

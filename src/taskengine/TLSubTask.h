@@ -8,6 +8,7 @@
 #include "balancing/VPartParameters.h"
 #include "messaging/TLProcessMessage.h"
 #include "messaging/TLSteeringParameters.h"
+#include "messaging/TLVirtualMachine.h"
 #include "taskengine/TLProcessArguments.h"
 #include "taskengine/TLResidualHistory.h"
 #include "taskengine/TLStepEnd.h"
@@ -198,6 +199,10 @@ class TLSubTask : public RefCounted {
   /// Where the tool writes what it does; empty: only into the collected output.
   RWCString logFile;
   /// @}
+  /// Its host when that doesn't answer; for a step that is due, the host that its start waits for.
+  TLSilentHost silentHost() const;
+  /// What keeps it from being started although it is due. Not part of the record's file.
+  TLSilentHost launchObstacle;
   /// The queuing system's own word for the state of the job, as last seen ("qw", "RUN"); empty
   /// when none was seen. Not part of the record's file.
   RWCString queueState;

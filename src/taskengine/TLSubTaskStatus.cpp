@@ -109,3 +109,12 @@ bool TLSubTask::isProcessAlive(std::int32_t tid) {
   }
   return false;
 }
+
+TLSilentHost TLSubTask::silentHost() const {
+  if (status == Pending) return launchObstacle;
+  if (status != Running || isQueued()) return {};
+  for (const std::int32_t tid : children) {
+    if (const TLSilentHost host = TL_virtual_machine_silence(tid)) return host;
+  }
+  return {};
+}

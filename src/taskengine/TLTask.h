@@ -52,6 +52,9 @@ class TLTask : public TLSubTask {
 
  private:
   void deduceComputationPath();
+  /// True when a start of `step` would have to wait for a host that doesn't answer. The step stays
+  /// as it is, and its turn comes again with the next walk.
+  bool waitsForHost(TLSubTask& step) const;
   void launchBesideWhenDue(TLSubTask& step, std::int32_t position, const TLSubTask* previous);
   void launchBeside(TLSubTask& step, std::int32_t position);
   void launchFirst(TLSubTask& step);

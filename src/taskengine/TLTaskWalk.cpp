@@ -1,5 +1,6 @@
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
+#include "platform/TLConsole.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLMarineStatus.h"
 #include "taskengine/TLReports.h"
@@ -65,6 +66,18 @@ void TLTask::launchDueSubTasks(std::vector<std::int32_t>& wasRunning) {
   }
 }
 
+bool TLTask::waitsForHost(TLSubTask& step) const {
+  const bool waited = static_cast<bool>(step.launchObstacle);
+  const bool free = step.enabled == 0 || step.isQueued();
+  step.launchObstacle = free ? TLSilentHost() : TL_virtual_machine_obstacle(step.hostName);
+  if (step.launchObstacle && !waited) {
+    console() << "step " << step.name << " is not started yet: host " << step.launchObstacle.name
+              << " does not answer\n"
+              << std::flush;
+  }
+  return static_cast<bool>(step.launchObstacle);
+}
+
 void TLTask::launchBesideWhenDue(TLSubTask& step, std::int32_t position,
                                  const TLSubTask* previous) {
   if (previous != nullptr && previous->status == Pending) return;
@@ -76,6 +89,7 @@ void TLTask::launchBesideWhenDue(TLSubTask& step, std::int32_t position,
 }
 
 void TLTask::launchBeside(TLSubTask& step, std::int32_t position) {
+  if (waitsForHost(step)) return;
   if (isMarineStep(step.name) && position > 0) disableBehindFailures(position);
   const int result = step.start();
   if (result == 0) {
@@ -89,6 +103,7 @@ void TLTask::launchBeside(TLSubTask& step, std::int32_t position) {
 }
 
 void TLTask::launchFirst(TLSubTask& step) {
+  if (waitsForHost(step)) return;
   const int result = step.start();
   if (result == 0) {
     gLaunchConfirmed = isSolver(step.executable) ? 0 : 1;
@@ -102,6 +117,7 @@ void TLTask::launchFirst(TLSubTask& step) {
 }
 
 void TLTask::launchWaiting(TLSubTask& step, std::int32_t position) {
+  if (waitsForHost(step)) return;
   const int result = step.start();
   if (result == 0) {
     gLaunchConfirmed = 0;

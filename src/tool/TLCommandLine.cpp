@@ -142,6 +142,7 @@ int TLCommandLine::run(int argc, const char* const* argv) {
 }
 
 int runTool(int argc, char** argv) {
+  if (hostForm().canRead(companionProgram())) TL_virtual_machine_use_companions(companionProgram());
   TL_virtual_machine_allow(false);  // until a command has found a machine to join
   TLCommandLine line;
   if (argc > 1 && std::string_view(argv[1]) == "complete") {  // for shells alone: no help tells it

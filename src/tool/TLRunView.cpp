@@ -43,6 +43,8 @@ Json stepJson(const TLRunStateStep& step, std::size_t position) {
           {"children", step.children},
           {"job", step.jobNumber},
           {"queue_state", step.queueState},
+          {"silent_host", step.silentHost},
+          {"silent_since", step.silentSince},
           {"started", step.started},
           {"ended", step.ended},
           {"reason", step.reason},
@@ -120,7 +122,8 @@ std::string transferText(const TLRunStateStep& step) {
 std::string placeAndReason(const TLRunStateStep& step) {
   // Most reasons name the host themselves.
   const bool named = step.reason.find("host " + step.host) != std::string::npos;
-  std::string what = step.reason.empty() ? progressText(step) : step.reason;
+  std::string what = step.reason.empty() ? step.silenceText() : step.reason;
+  if (what.empty()) what = progressText(step);
   const std::string transfer = transferText(step);
   if (!transfer.empty()) what += (what.empty() ? "" : "; ") + transfer;
   const std::string place = named ? std::string() : step.host + jobText(step);

@@ -23,8 +23,8 @@ std::string transferText(const TLRunStateStep& step);
 /// "1.5 kB", "40.0 MB".
 std::string bytesText(double bytes);
 
-/// "host, job 17 qw: why it ended", as much of it as there is; for a step without a reason what
-/// is carried for it, or how far it came.
+/// "host, job 17 qw: why it ended", as much of it as there is; for a step without a reason the
+/// host that it waits for, what is carried for it, or how far it came.
 std::string placeAndReason(const TLRunStateStep& step);
 
 /// "2 of 3 steps finished ok, 1 crashed".

@@ -226,6 +226,10 @@ void TLTaskFollower::readState() {
     step.status = known.status;
     if (step.started <= 0) step.started = known.started;
     if (step.ended <= 0) step.ended = known.ended;
+    if (step.silentSince == known.silentSince) continue;
+    const std::string silence = step.silenceText();
+    if (!silence.empty()) printLine(label(i) + ": " + silence);
+    if (silence.empty() && step.status == kRunning) printLine(label(i) + ": host answers again");
   }
   run_ = std::move(*noted);
 }

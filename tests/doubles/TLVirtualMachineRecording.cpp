@@ -69,6 +69,18 @@ const TLVirtualMachineHost* TL_virtual_machine_own_host() {
   return nullptr;
 }
 
+void TL_virtual_machine_use_companions(const RWCString& /*program*/) {}
+
+TLSilentHost TL_virtual_machine_silence(std::int32_t tid) {
+  const auto found = vm().silences.find(tid);
+  return found == vm().silences.end() ? TLSilentHost() : found->second;
+}
+
+TLSilentHost TL_virtual_machine_obstacle(const RWCString& host) {
+  const auto found = vm().obstacles.find(host);
+  return found == vm().obstacles.end() ? TLSilentHost() : found->second;
+}
+
 std::int32_t TL_virtual_machine_spawn(const RWCString& host, const RWCString& executable,
                                       const TLProcessArguments& arguments, std::int32_t& tid) {
   const TLSpawnAnswer answer = nextSpawnAnswer();

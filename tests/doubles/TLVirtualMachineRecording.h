@@ -51,6 +51,8 @@ struct TLVirtualMachineRecording {
   /// @{
   std::deque<TLSpawnAnswer> spawnAnswers;  ///< taken one by one; then success with a new tid
   std::int32_t nextTid = 0x40001;
+  std::map<std::int32_t, TLSilentHost> silences;  ///< by tid
+  std::map<RWCString, TLSilentHost> obstacles;    ///< of starts, by host
   std::map<std::int32_t, std::int32_t> statuses;  ///< by tid; what isn't named is alive
   std::vector<TLVirtualMachineHost> hosts;
   std::int32_t configResult = 0;  ///< negative: no host table

@@ -61,6 +61,7 @@ void TestDaemon::install(const TestDaemonOptions& options) {
   const fs::path program = root / "bin" / options.name;
   fs::create_directories(program.parent_path());
   fs::copy_file(TL_TEST_DAEMON, program);
+  fs::create_symlink(TL_TEST_COMPANION, program.parent_path() / "tlhostwatch");
   VirtualMachine::shared().addProgram(options.name, program);
 
   const fs::path system = root / "_tcl" / "_system";

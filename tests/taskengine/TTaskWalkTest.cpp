@@ -70,6 +70,27 @@ TEST_F(TaskWalkTest, StepsStartInTheirTurn) {
   }
 }
 
+TEST_F(TaskWalkTest, AStepThatIsDueWaitsForASilentHost) {
+  for (const int waiting : {0, 1}) {
+    task->clearSubTasks();
+    TLSubTask& first = add("A", "A", waiting);
+    first.hostName = "far";
+    TLSubTask& second = add("B", "B", waiting);
+    vm.obstacles["far"] = {"far", 86400};
+    vm.obstacles[second.hostName] = {};
+    walk();
+    EXPECT_EQ(launched(), Lines());
+    EXPECT_EQ(first.silentHost(), (TLSilentHost{"far", 86400}));
+    vm.obstacles.clear();
+    walk();
+    EXPECT_EQ(launched().at(0), "startStep A");
+    EXPECT_FALSE(first.silentHost());
+    vm.silences[first.child(0)] = {"far", 90000};
+    EXPECT_EQ(first.silentHost().since, 90000);
+    vm.silences.clear();
+  }
+}
+
 TEST_F(TaskWalkTest, ConfirmationAfterEachKindOfStart) {
   struct Case {
     const char* executable;

@@ -34,6 +34,8 @@ class RunState : public ::testing::Test {
     step.children = {7, 8};
     step.reason = "why\nnot";
     step.queueState = "qw";
+    step.silentHost = "far";
+    step.silentSince = 86400.5;
     step.iteration = 300;
     step.iterationsAsked = 1000;
     step.transfer = {"to",      "far", "/w/a b*",     2,        7, 1LL << 40,
