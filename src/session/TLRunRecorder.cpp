@@ -6,6 +6,7 @@
 
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
+#include "platform/TLProcess.h"
 #include "taskengine/TLMessageItems.h"
 #include "taskengine/TLTask.h"
 #include "taskengine/TLTaskGlobals.h"
@@ -82,6 +83,16 @@ TLRunRecorder& runRecorder() {
   return recorder;
 }
 
+// What a killed daemon of the same task has left.
+void TLRunRecorder::removeStale() const {
+  for (const auto& other : TLRunState::list(directory_)) {
+    if (other.taskFile == state_.taskFile && other.host == state_.host &&
+        !processExists(other.pid)) {
+      TLRunState::remove(directory_, other.pid);
+    }
+  }
+}
+
 void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   directory_ = directory;
   state_ = TLRunState();
@@ -93,6 +104,7 @@ void TLRunRecorder::begin(const TLTask& task, const RWCString& directory) {
   state_.taskName = task.name;
   state_.logFile = gCatchoutFileName;
   state_.started = secondsNow();
+  if (!directory_.empty()) removeStale();
   update(task);
   // A launch doesn't come back before its copies are done.
   setTransferObserver([this, &task] { update(task); });

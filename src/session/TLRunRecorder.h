@@ -28,6 +28,7 @@ class TLRunRecorder {
 
   /// True when the file has to be written at once.
   bool takeAll(const TLTask& task);
+  void removeStale() const;
   void record(const TLTask& task, std::size_t position);
   void noteTransfer(std::size_t position, const TLTransferProgress& transfer);
   void takeProgress(const TLTask& task, std::size_t position);

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 
 #include <cstdio>
+#include <regex>
+#include <sstream>
 
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
@@ -72,6 +74,20 @@ std::string optionHint(const CLI::App& app, const std::vector<std::string>& rest
   return text;
 }
 
+// The value that was probably meant, of those that the parser's complaint lists.
+std::string valueHint(const std::string& complaint) {
+  static const std::regex kNotIn(": (.*) not in \\{(.*)\\}");
+  std::smatch parts;
+  if (!std::regex_search(complaint, parts, kNotIn)) return {};
+  std::vector<std::string> known;
+  std::istringstream list(parts[2]);
+  for (std::string word; std::getline(list, word, ',');) known.push_back(word);
+  const std::vector<std::string_view> views(known.begin(), known.end());
+  const std::string word = parts[1];
+  const auto meant = nearestWord(word, views);
+  return meant.empty() ? "" : fmt::format("tlctl: was \"{}\" meant by \"{}\"?\n", meant, word);
+}
+
 const CLI::App& chosenApp(const CLI::App& app) {
   const auto chosen = app.get_subcommands();
   return chosen.empty() ? app : *chosen.front();
@@ -119,8 +135,8 @@ int TLCommandLine::refuse(const CLI::ParseError& error, int argc, const char* co
   const CLI::App& chosen = chosenApp(*app_);
   const std::string name = &chosen == app_.get() ? "" : " " + chosen.get_name();
   if (hint.empty()) {
-    fmt::print(stderr, "tlctl{}: {}\n{}", name, error.what(),
-               optionHint(chosen, chosen.remaining()));
+    fmt::print(stderr, "tlctl{}: {}\n{}{}", name, error.what(),
+               optionHint(chosen, chosen.remaining()), valueHint(error.what()));
   }
   fmt::print(stderr, "{}See \"tlctl{} --help\".\n", hint, name);
   return TLExitCode::kWrongUse;

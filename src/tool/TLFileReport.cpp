@@ -11,17 +11,24 @@
 
 namespace {
 
-// Levenshtein distance, case ignored.
+// How many letters have to be put in, left out, changed, or swapped with their neighbour; case
+// ignored.
 std::size_t distance(std::string_view a, std::string_view b) {
+  const auto same = [&](std::size_t i, std::size_t j) {
+    return lowerCase(a[i - 1]) == lowerCase(b[j - 1]);
+  };
+  std::vector<std::size_t> before;
+  std::vector<std::size_t> last;
   std::vector<std::size_t> row(b.size() + 1);
   for (std::size_t j = 0; j <= b.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= a.size(); ++i) {
-    std::size_t diagonal = row[0];
+    before = std::exchange(last, row);
     row[0] = i;
     for (std::size_t j = 1; j <= b.size(); ++j) {
-      const std::size_t same = diagonal + (lowerCase(a[i - 1]) == lowerCase(b[j - 1]) ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({row[j] + 1, row[j - 1] + 1, same});
+      row[j] = std::min({last[j] + 1, row[j - 1] + 1, last[j - 1] + (same(i, j) ? 0 : 1)});
+      if (i > 1 && j > 1 && same(i, j - 1) && same(i - 1, j)) {
+        row[j] = std::min(row[j], before[j - 2] + 1);
+      }
     }
   }
   return row[b.size()];

@@ -64,7 +64,12 @@ void sayHowItEnded(const RunOptions& options, TLTaskFollower::End end, const std
     case TLTaskFollower::End::allEnded:
       break;
     case TLTaskFollower::End::daemonGone:
-      complain(options.command, fmt::format("the daemon of {} is gone", task));
+      complain(
+          options.command,
+          fmt::format("the daemon of {} is gone: it was ended or killed, or its virtual machine or "
+                      "host went down.\n       Steps that ran may go on. What it noted: tlctl "
+                      "report {} -o report.html",
+                      task, task));
       break;
     case TLTaskFollower::End::interrupted:
       complain(options.command,

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "messaging/TLSteeringParameters.h"
+#include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
 #include "taskengine/TLTaskChildren.h"
@@ -19,6 +20,11 @@ TEST(RunRecorder, LeavesWhatWasCarriedAndHowASolverConverged) {
   step->name = "SOLVE";
   step->arguments.append("-iterations", "1000");
   task->addSubTask(step);
+  TLRunState killed;
+  killed.pid = 1 << 30;
+  killed.host = ownHostName();
+  killed.taskFile = gTaskFileName;
+  killed.save(files.file(""));
   TLRunRecorder recorder;
   recorder.begin(*task, files.file(""));
 

@@ -67,6 +67,7 @@ TEST(CommandLine, EveryCommandLeadsWithTwoExamplesThatAreRight) {
     EXPECT_THAT(document, HasSubstr("\n### " + name + "\n"));
     EXPECT_THAT(parse(line, {mistyped(name)}).err, HasSubstr("was \"" + name + "\" meant?"));
   }
+  EXPECT_THAT(parse(line, {"rewrite", "tsak", "a", "b"}).err, HasSubstr("was \"task\" meant by"));
   EXPECT_THAT(parse(line, {"--help"}).out, StartsWith("Examples:\n"));
 }
 
