@@ -8,55 +8,10 @@ namespace {
 
 constexpr auto kType = TLProjectType::structured;
 
-TEST(Condition, WrittenIsWhatBelongsToTheType) {
-  const auto has = [](const std::string& text, const char* key) {
-    return text.find(key) != std::string::npos;
-  };
-  for (const std::string type : {"SOL", "INL", "OUT", "ROT", "MIR", "CON", "NMB", "PER", "PERNM"}) {
-    const auto text = rewritten<TLBC>(
-        "TYPE " + type +
-            "\nINDICES 1 2 3 4\nCONNECTION_INFO 4 1 2 0 1 -1\nMODAL_STRUCTURE_INDEX 5\n"
-            "TL_BEGIN initial_solution_turbo\nTL_END initial_solution_turbo\n",
-        kType);
-    EXPECT_EQ(has(text, "CONNECTION_INFO"),
-              type == "CON" || type == "NMB" || type == "PER" || type == "PERNM");
-    EXPECT_EQ(has(text, "MODAL_STRUCTURE_INDEX"), type == "SOL");
-    EXPECT_EQ(has(text, "TL_BEGIN initial_solution_turbo"), type == "INL" || type == "ROT") << text;
-  }
-}
-
 TEST(Condition, WithoutATypeStaysReadable) {
   const auto text = rewritten<TLBC>("INDICES 1 2 3 4\n", kType);
   EXPECT_EQ(text.find("\n            TYPE"), std::string::npos);
   EXPECT_EQ(rewritten<TLBC>(text, kType), text);
-}
-
-TEST(Condition, EarlierKeysWinOnALine) {
-  TLBC record(kType);
-  ASSERT_EQ(readText(record, "NAME the condition of type x\n").result, 1);
-  EXPECT_EQ(record.name, "");
-  EXPECT_EQ(record.condition, "the condition of type x");
-}
-
-TEST(Condition, ControlSurfacesOfASolid) {
-  auto solid = makeHandle<TLBCParameters>();
-  solid->type = "SOLID";
-  const std::string line = "              CONTROL_SURFACE_NAME              ";
-  for (const char* type : {"SOL", "ROT", "INL", "CON"}) {
-    TLBC record(kType);
-    readText(record, std::string("TYPE ") + type +
-                         "\ncontrol_surface_name No_Force_and_Torque\n"
-                         "control_surface_name my surface\n");
-    const auto without = written(record);
-    EXPECT_EQ(without.find("CONTROL_SURFACE"), std::string::npos) << type;
-    record.parameters = solid;
-    const bool has = type == std::string("SOL") || type == std::string("ROT");
-    EXPECT_EQ(written(record), without + (has ? line + "my surface\n" : "")) << type;
-  }
-  TLBC grows(kType);
-  EXPECT_EQ(grows.controlSurfaceName(1), "UNDEFINED");
-  EXPECT_EQ(grows.controlSurfaceNames,
-            (std::vector<RWCString>{"No_Force_and_Torque", "UNDEFINED"}));
 }
 
 TEST(Condition, NamesFromTheFirstControlSurface) {
@@ -84,27 +39,15 @@ TEST(Condition, NamesFromTheFirstControlSurface) {
     record.settleControlSurfaceNames();
     EXPECT_EQ(record.controlSurfaceNames, one.names) << one.text;
   }
+  TLBC grows(kType);
+  EXPECT_EQ(grows.controlSurfaceName(1), "UNDEFINED");
+  EXPECT_EQ(grows.controlSurfaceNames,
+            (std::vector<RWCString>{"No_Force_and_Torque", "UNDEFINED"}));
   TLBC inner(kType);  // its own record counts as well
   readText(inner,
            "TL_BEGIN bc_parameters\nTYPE SOLID\nTYPE_ID 28\nTL_END bc_parameters\n"
            "TL_BEGIN unknown\nTYPE XXX\nTL_END unknown\nTYPE INL\ncontrol_surface 2\n");
   EXPECT_EQ(inner.controlSurfaceNames, std::vector<RWCString>{"inlet_1"});
-}
-
-TEST(Face, ConditionsWithoutPatchesAreLeftOut) {
-  TLFace face(kType);
-  ASSERT_EQ(readText(face,
-                     "TL_BEGIN boundary_condition\nTYPE SOL\nTL_END boundary_condition\n"
-                     "TL_BEGIN boundary_condition\nTYPE INL\nINDICES 1 2 3 4\n")
-                .result,
-            1);
-  ASSERT_EQ(face.conditions.size(), 2U);
-  EXPECT_EQ(face.conditions[0]->patchCount(), 0);
-  const auto text = written(face);
-  EXPECT_EQ(text.find("SOL"), std::string::npos);
-  EXPECT_NE(text.find("INL"), std::string::npos);
-  face.conditions[0]->setIndices({1, 2, 3, 4});
-  EXPECT_NE(written(face).find("SOL"), std::string::npos);
 }
 
 TEST(Face, Directions) {

@@ -9,18 +9,6 @@ namespace {
 
 constexpr auto kStructured = TLProjectType::structured;
 
-// The patches of three lists go under one key, each behind those of the list before.
-TEST(Grid, MeridionalPatches) {
-  const auto text = rewritten<TLGrid>(
-      "meridionnal_patchss 3 2 3 4 5 6 7\nmeridionnal_patch 1 2 3 4 5 6 7 8\n"
-      "meridionnal_patchps 2 2 3 4 5 6 7\n",
-      kStructured);
-  EXPECT_EQ(text.substr(text.find("        MERIDI")),
-            "        MERIDIONNAL_PATCH            1 2 3 4 5 6 7\n"
-            "        MERIDIONNAL_PATCH            2 2 3 4 5 6 7\n"
-            "        MERIDIONNAL_PATCH            3 2 3 4 5 6 7\n");
-}
-
 TEST(Grid, PlacesCountFromOne) {
   RunFileOptions options;
   const RunFileGenerator generator(options);

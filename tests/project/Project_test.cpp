@@ -97,19 +97,6 @@ TEST_F(Project, OlderVersionsSetThePrecisionAndTheLastUsedMark) {
   }
 }
 
-TEST_F(Project, FluidOfTheFirstBlockCountsInVersionsBetween) {
-  const std::string rest =
-      "\nPROJECT_TYPE HEXA\nTL_BEGIN computation\nVERSION 1210\nFLUID_NAME old\n"
-      "TL_BEGIN grid_bc\nTL_BEGIN block\nTL_BEGIN fluid_parameters\nFLUID_NAME of block\n"
-      "FLUID_TYPE Real Gas\nTL_END fluid_parameters\nTL_END block\nTL_END grid_bc\n"
-      "TL_END computation\n";
-  EXPECT_EQ(ReadProject("TALVEN_PROJECT_FILE VERSION 4.9" + rest).computation().fluidName, "old");
-  const ReadProject between("TALVEN_PROJECT_FILE VERSION 5.5" + rest);
-  EXPECT_EQ(between.computation().fluidName, "of block");
-  EXPECT_EQ(between.computation().fluidType, "Real Gas");
-  EXPECT_EQ(ReadProject("TALVEN_PROJECT_FILE VERSION 6.0" + rest).computation().fluidName, "old");
-}
-
 TEST_F(Project, ComputationsAreWrittenWithTheirManagersAndBanners) {
   const std::string computation = "TL_BEGIN computation\nNAME ";
   const std::string manager = "  TL_BEGIN TLNonDeterministicComputationManager\n";
