@@ -171,35 +171,4 @@ TEST_F(SteeringSubMessages, StatusTellsTheLastIteration) {
   EXPECT_TRUE(got->unpack()) << "a set that is there already is not read again";
 }
 
-TEST_F(SteeringSubMessages, RefuseCountsThatLie) {
-  constexpr std::int32_t kHuge = 0x7fffffff;
-  const auto series = [](std::int32_t points) {
-    TLWireBuffer body;
-    body.integer(1).integer(8).integer(1).counted("rms");
-    return body.integer(0).integer(0).integer(0).integer(0).integer(points);
-  };
-  TLWireBuffer entries;
-  entries.integer(1)
-      .integer(9)
-      .counted("a.steering")
-      .integer(1)
-      .counted("p")
-      .counted("p")
-      .counted("t");
-  const std::pair<const char*, TLWireBuffer> cases[] = {
-      {"sets of values", TLWireBuffer().integer(1).integer(8).integer(kHuge)},
-      {"points", series(kHuge).real32(1).real32(1)},
-      {"negative points", series(-1).real32(1).real32(1)},
-      {"points within the message, but not there", series(4).real32(1).real32(1)},
-      {"settings", TLWireBuffer().integer(1).integer(9).counted("a.steering").integer(kHuge)},
-      {"entries", entries.integer(1).integer(1).integer(0).integer(kHuge).integer(1)},
-      {"known", TLWireBuffer().integer(1).integer(10).integer(kHuge).counted("rms").integer(1)},
-  };
-  for (const auto& [name, body] : cases) {
-    vm.incoming.push_back({kPeer, 13, body});
-    TLProcessMessage message;
-    EXPECT_FALSE(message.receiveNoWait(-1, -1)) << name;
-  }
-}
-
 }  // namespace

@@ -17,66 +17,6 @@ class SubTaskMessagesTest : public TEngineTest {
   }
 };
 
-TEST_F(SubTaskMessagesTest, TextsGoToTheScriptAsTheyAre) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild});
-  give(step, 7, {"a\\b \"c\" $d\n", "ignored"});
-  EXPECT_EQ(said(), (Lines{"\"a\\\\b \"c\" $d\n\"", "update"}));
-  give(step, 7, {}, 3);
-  give(step, 7);
-  give(step, 8, {"first reason"});
-  give(step, 8, {}, 3);
-  give(step, 8, {"second reason"});
-  EXPECT_EQ(said(), Lines{});
-  EXPECT_EQ(step.errorLines.subMessages.size(), 2U);
-  EXPECT_EQ(sent(), (Lines{"7:8", "7:8"}));
-}
-
-TEST_F(SubTaskMessagesTest, UnknownCodesAreDropped) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild});
-  for (const int tag : {0, 1, 2, 3, 6, 10, 11, 12, 16, 17, 18, 19, 21, 23, 24, 29, 30, 31, -1}) {
-    give(step, tag, {"x"}, 1);
-  }
-  EXPECT_EQ(said(), Lines{});
-  EXPECT_EQ(sent(), Lines{});
-  EXPECT_EQ(exits_, 0);
-}
-
-TEST_F(SubTaskMessagesTest, TheEndIsKeptPassedOnAndFetched) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild, 0, 8, 9});
-  step.index = 2;
-  step.addParent(600);
-  isGone(8);
-  isGone(600);
-  give(step, 5, {"why"});
-  EXPECT_EQ(step.finishMessage.tag, 5);
-  EXPECT_EQ(step.finishMessage.subMessages.size(), 2U);
-  EXPECT_EQ(said(), Lines{"\"FLOW SOLVER FINISHED\""});
-  // The turn of a dead one goes to the one before it.
-  EXPECT_EQ(sent(),
-            (Lines{"7:5 'why' 2", "7:5 'why' 2", "9:5 'why' 2", "500:5 'why' 2", "500:5 'why' 2"}));
-  EXPECT_EQ(launched(), Lines{"retrieveResults A"});
-  EXPECT_EQ(step.status, TLSubTask::Running) << "only the status test moves it";
-}
-
-TEST_F(SubTaskMessagesTest, EndsThatAreNotKept) {
-  TLSubTask& step = addRunning("LUMBRAKE", "lumbrakesp", {kChild});
-  give(step, 5, {}, std::nullopt, 99);  // a stranger's
-  EXPECT_EQ(step.finishMessage.tag, -1);
-  EXPECT_EQ(sent(), (Lines{"99:24", "7:5", "500:5"}));
-  EXPECT_EQ(launched(), Lines{"retrieveResults LUMBRAKE"});
-  step.loadBalancing.queuingSystemActivated = 1;
-  give(step, 5);
-  EXPECT_EQ(step.finishMessage.tag, -1);
-  EXPECT_EQ(sent(), Lines{"7:24"});
-  EXPECT_EQ(launched(), Lines{"retrieveResults LUMBRAKE"});
-  step.loadBalancing.queuingSystemActivated = 0;
-  gSuspendRequested = 1;  // a suspended task ends with the solver
-  give(step, 5);
-  EXPECT_EQ(exits_, 1);
-  EXPECT_EQ(sent(), Lines{"7:24"});
-  EXPECT_EQ(launched(), Lines{});
-}
-
 TEST_F(SubTaskMessagesTest, RunFilesIdentifyAProcess) {
   struct Case {
     std::vector<std::pair<const char*, const char*>> arguments;
@@ -112,47 +52,6 @@ TEST_F(SubTaskMessagesTest, RunFilesIdentifyAProcess) {
     made.addInteger(5);
     EXPECT_EQ(step.runFileMatches(made), test.match) << &test - cases;
   }
-}
-
-TEST_F(SubTaskMessagesTest, ReconnectionAndIdentifiers) {
-  TLSubTask& step = addRunning("A", "velstra", {kChild});
-  step.spawnArguments.append("none", "/a.run");
-  give(step, 9, {"/b.run"}, std::nullopt, 88);
-  EXPECT_EQ(said(), Lines{"TRYRECONNECTED_TO_CHILDREN"});
-  give(step, 9, {"/a.run"}, std::nullopt, 88);
-  give(step, 9, {"/a.run"}, std::nullopt, 88);
-  EXPECT_EQ(said(), (Lines{"TRYRECONNECTED_TO_CHILDREN", "SUBTASK_RECONNECTED_TO_CHILDREN",
-                           "TRYRECONNECTED_TO_CHILDREN", "SUBTASK_RECONNECTED_TO_CHILDREN"}));
-  EXPECT_EQ(step.children, (std::vector<std::int32_t>{kChild, 88}));
-  give(step, 20, {"/a.run"}, 4711);
-  give(step, 20, {"/a.run"}, 4711);
-  give(step, 20, {"/a.run"}, 0);
-  EXPECT_EQ(said(), (Lines(3, "RECEIVE_PROCESS_ID")));
-  give(step, 20, {"/b.run"}, 1);
-  give(step, 20, {"/a.run"});
-  EXPECT_EQ(said(), Lines{});
-  EXPECT_EQ(step.processIds, std::vector<std::int32_t>{4711});
-  give(step, 28, {"x"}, 89);
-  for (const std::int32_t nobody : {0, -3}) give(step, 28, {}, nobody);
-  give(step, 28, {"x"});
-  EXPECT_EQ(step.children, (std::vector<std::int32_t>{kChild, 88, 89}));
-}
-
-TEST_F(SubTaskMessagesTest, ASolutionIsFetchedForAParallelUnstructuredRun) {
-  TLSubTask& step = addRunning("DORVEX", "dorvex", {kChild});
-  step.arguments.append("none", "/a.run");
-  step.arguments.append("-x", "/c.run");
-  step.arguments.append("none", "/b.run");
-  give(step, 22);
-  EXPECT_EQ(sent(), Lines{});
-  step.loadBalancing.parallel = 1;
-  give(step, 22);
-  EXPECT_EQ(said(), (Lines(2, "\"RECEIVE SOLUTION RETRIEVE\"")));
-  EXPECT_EQ(sent(), Lines{"7:23 '/b'"});
-  EXPECT_EQ(launched(), Lines{"retrieveHexa_ DORVEX"});
-  step.name = "VELSTRA";
-  give(step, 22);
-  EXPECT_EQ(sent(), Lines{});
 }
 
 TEST_F(SubTaskMessagesTest, AResetMarksEachParentUntilItIsTold) {

@@ -19,20 +19,6 @@ class TaskMessagesTest : public TEngineTest {
   }
 };
 
-TEST_F(TaskMessagesTest, APollAnswersWithTheStatuses) {
-  add("A");
-  add("B");
-  add("C");
-  give(1);
-  EXPECT_EQ(sent(), Lines{"900:1 0 0 0"});
-  EXPECT_EQ(launched(), Lines{});
-  addRunning("D", "tool", {7}).loadBalancing.parallel = 1;
-  addRunning("E", "tool", {8});
-  isGone(8, -14);
-  give(1);
-  EXPECT_EQ(sent(), Lines{"900:1 0 0 0 1 3"});
-}
-
 TEST_F(TaskMessagesTest, StopOfTheWholeTaskSavesTheSteeringOfAllButSolvers) {
   TTempDir dir;
   addRunning("A", "velstra", {7, 8}).steering->name = dir.file("solver.steering");
@@ -49,56 +35,6 @@ TEST_F(TaskMessagesTest, StopOfTheWholeTaskSavesTheSteeringOfAllButSolvers) {
   EXPECT_EQ(sent(), Lines{"900:2"});
   EXPECT_FALSE(dir.has("solver.steering"));
   EXPECT_TRUE(dir.has("tool.steering"));
-}
-
-TEST_F(TaskMessagesTest, StopOfOneStep) {
-  addRunning("A", "velstra", {7, 8});
-  TLSubTask& queued = addRunning("B", "velstra", {42});
-  queued.loadBalancing.queuingSystemActivated = 1;
-  give(2, 0);
-  give(2, 1);
-  for (const std::int32_t nobody : {2, -2}) give(2, nobody);
-  give(2, std::nullopt, {"0"});
-  EXPECT_EQ(said(), (Lines{"SUBTASK_0_MUST_BE_STOPPED", "SUBTASK_1_MUST_BE_STOPPED"}));
-  EXPECT_EQ(vm.kills, (std::vector<std::int32_t>{7, 8}));
-  EXPECT_EQ(launched(), Lines{"stopSubTask B"});
-  EXPECT_EQ(statuses(), (std::vector<std::int32_t>{5, 5}));
-  EXPECT_EQ(task->subTask(0)->finishMessage.tag, -1);
-  EXPECT_EQ(sent(), Lines{});
-}
-
-TEST_F(TaskMessagesTest, ShortReactions) {
-  struct Case {
-    std::int32_t tag;
-    const char* word;
-  };
-  for (const Case& test :
-       {Case{5, "\"FLOW SOLVER STARTED\""}, Case{10, "RECONNECTED_TO_PARENT"},
-        Case{19, "RECONNECTED_TO_OTHER_MIRE_SESSION"}, Case{9, "TRY_RECONNECTION_TO_CHILDREN"}}) {
-    give(test.tag);
-    EXPECT_EQ(said(), Lines{test.word});
-    EXPECT_EQ(sent(), Lines{});
-  }
-  for (const int tag : {0, 4, 7, 8, 13, 14, 15, 22, 24, 28, 31, 10001, -1}) give(tag, 1, {"x"});
-  EXPECT_EQ(said(), Lines{});
-  give(3);
-  EXPECT_EQ(exits_, 1);
-}
-
-TEST_F(TaskMessagesTest, SavingAndThePerformanceCurve) {
-  addRunning("A", "velstra", {7, 8});
-  addRunning("B", "velstra", {9});
-  give(21, 0);
-  give(21, -1);
-  EXPECT_EQ(said(), (Lines(2, "SUBTASK_PROMPTS_TO_SAVE_SOLUTION")));
-  for (const std::int32_t nobody : {2, -2}) give(21, nobody);
-  give(21, std::nullopt, {"0"});
-  EXPECT_EQ(said(), Lines{});
-  EXPECT_EQ(sent(), (Lines{"7:21", "8:21"}));
-  task->addParent(kInterface);
-  give(29, 4, {"curve"});
-  EXPECT_EQ(said(), Lines{"VELSTRA_PERF_CURVE"});
-  EXPECT_EQ(sent(), (Lines{"500:29 4 'curve'", "900:29 4 'curve'"}));
 }
 
 TEST_F(TaskMessagesTest, Suspending) {

@@ -18,58 +18,6 @@ class TaskWalkTest : public TEngineTest {
   }
 };
 
-TEST_F(TaskWalkTest, StepsStartInTheirTurn) {
-  // Steps of a task in short ("/": beside the one before, "?": never started by the walk, "-":
-  // disabled; "velstra" is a solver), and turn by turn what ends before the walk and what the walk
-  // starts and says.
-  constexpr const char* kWaits = " WAITING_FOR_CONFIRMATION_TO_LAUNCH_PARALLEL";
-  const std::string solver = " velstra";
-  struct Turn {
-    const char* ended;
-    std::string started;
-  };
-  const struct {
-    const char* steps;
-    std::vector<Turn> turns;
-  } cases[] = {
-      {"", {{"", ""}}},
-      {"A B C", {{"", " A"}, {"", ""}, {"A", " B"}, {"B", " C"}}},
-      // A waiting step waits for all before it.
-      {"A B/ C", {{"", " A B"}, {"B", ""}, {"A", " C"}}},
-      // A step beside a solver waits for its word, or for its end.
-      {"velstra B/", {{"", solver + kWaits}, {"", kWaits}, {"confirmed", " B"}}},
-      {"A/ velstra/ C/ D/", {{"", " A" + solver + kWaits}, {"velstra", " C D"}}},
-      {"A? B", {{"", ""}}},
-      {"A B- C", {{"", " A"}, {"A", " C"}}},
-      // Nothing stands before B in the walk; but C waits for A, too.
-      {"A? B/ C", {{"", " B"}, {"B", ""}}},
-  };
-  for (const auto& test : cases) {
-    SCOPED_TRACE(test.steps);
-    task->clearSubTasks();
-    gLaunchConfirmed = 1;
-    std::istringstream steps(test.steps);
-    for (std::string name; steps >> name;) {
-      const char mark = name.back();
-      if (std::string_view("/?-").find(mark) != std::string_view::npos) name.pop_back();
-      add(name, name, mark == '/' ? 0 : mark == '?' ? 2 : 1).enabled = mark != '-';
-    }
-    for (const auto& turn : test.turns) {
-      for (const auto& step : task->subTasks) {
-        if (step->name != turn.ended) continue;
-        isGone(step->children.at(0));
-        if (step->name == "velstra") step->status = S::Crashed;
-      }
-      if (turn.ended == std::string_view("confirmed")) gLaunchConfirmed = 1;
-      walk();
-      std::string started;
-      for (const auto& call : launched()) started += call.substr(call.find(' '));
-      for (const auto& line : said()) started += ' ' + line;
-      EXPECT_EQ(started, turn.started) << "behind " << turn.ended;
-    }
-  }
-}
-
 TEST_F(TaskWalkTest, AStepThatIsDueWaitsForASilentHost) {
   for (const int waiting : {0, 1}) {
     task->clearSubTasks();
@@ -111,28 +59,6 @@ TEST_F(TaskWalkTest, ConfirmationAfterEachKindOfStart) {
     walk();
     EXPECT_EQ(gLaunchConfirmed, test.confirmed) << &test - cases;
   }
-}
-
-TEST_F(TaskWalkTest, FailedStartsAreReportedAndDontStopTheWalk) {
-  launcher.results = {{"A", -7}, {"B", -100}, {"C", -100}, {"D", -29}};
-  add("A");
-  add("B");
-  add("C", "tool", 0);
-  add("D", "tool", 0);
-  add("E");
-  task->subTask(1)->remoteTmpDir = "/tmp";
-  task->subTask(1)->hostName = "far";
-  walk();
-  EXPECT_EQ(statuses(), (Statuses{3, 3, 3, 3, 1}));
-  EXPECT_EQ(said(), Lines{"Cleaning_REMOTE_TMP_directory"});
-  EXPECT_EQ(launched(), (Lines{"startStep A", "removeRemoteDir A!", "startStep B",
-                               "removeRemoteDir B", "startStep C", "removeRemoteDir C!",
-                               "startStep D", "removeRemoteDir D!", "startStep E"}));
-  EXPECT_EQ(sent(),
-            (Lines{"500:5 'Couldn't start B : remote copy failed !!' 'Check if directory /tmp of "
-                   "host far is accessible and not full.' 1",
-                   "500:5 'Couldn't start C : remote copy failed !!' 'Check if directory C:\\tmp "
-                   "of host unknown is accessible and not full.' 2"}));
 }
 
 /// The chain whose steps tell of failures in the status file.
