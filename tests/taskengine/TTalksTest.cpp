@@ -1,5 +1,9 @@
+#include <algorithm>
+#include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 
 #include "TEngineTest.h"
 
@@ -20,15 +24,29 @@ struct Talk {
   std::vector<std::string> lines;
 };
 
+/// Its title as a name of a test.
+std::string nameOf(const Talk& talk) {
+  std::string name = talk.title;
+  std::erase(name, ',');
+  std::replace_if(
+      name.begin(), name.end(), [](char c) { return std::isalnum(c) == 0; }, '_');
+  return name;
+}
+
+void PrintTo(const Talk& talk, std::ostream* out) {
+  *out << nameOf(talk);
+}
+
 std::vector<Talk> talks() {
   std::vector<Talk> all;
   for (const auto& file : std::filesystem::directory_iterator(TL_TALKS)) {
     std::ifstream in(file.path());
     for (std::string line; std::getline(in, line);) {
-      if (line.starts_with("= "))
+      if (line.starts_with("= ")) {
         all.push_back({line.substr(2), {}});
-      else if (!line.empty())
+      } else if (!line.empty()) {
         all.back().lines.push_back(line);
+      }
     }
   }
   return all;
@@ -54,27 +72,33 @@ class TalkTest : public TEngineTest, public testing::WithParamInterface<Talk> {
 
   void addStep(const Words& words) {
     TLSubTask& step = add(words.at(1), words.at(2));
+    std::string value;
+    const auto number = [&] { return std::stoi(value); };
+    const std::map<std::string, std::function<void()>> options = {
+        {"run",
+         [&] {
+           step.status = TLSubTask::Running;
+           std::istringstream tids(value);
+           for (std::string tid; std::getline(tids, tid, ',');) {
+             step.children.push_back(std::stoi(tid));
+           }
+         }},
+        {"queue", [&] { step.loadBalancing.queuingSystemActivated = number(); }},
+        {"parallel", [&] { step.loadBalancing.parallel = 1; }},
+        {"beside", [&] { step.waitingTask = 0; }},
+        {"never", [&] { step.waitingTask = 2; }},
+        {"disabled", [&] { step.enabled = 0; }},
+        {"ended", [&] { step.finishMessage.tag = number(); }},
+        {"error", [&] { step.errorLines.addString(value); }},
+        {"run-file", [&] { argument(step, "none", value); }},
+        {"host", [&] { step.hostName = value; }},
+        {"tmp", [&] { step.remoteTmpDir = value; }},
+        {"fails", [&] { launcher.results[step.name] = number(); }},
+    };
     for (std::size_t i = 3; i < words.size(); ++i) {
       const std::string key = words[i].substr(0, words[i].find(':'));
-      const std::string value = words[i].substr(std::min(words[i].size(), key.size() + 1));
-      if (key == "run") {
-        step.status = TLSubTask::Running;
-        std::istringstream tids(value);
-        for (std::string tid; std::getline(tids, tid, ',');)
-          step.children.push_back(std::stoi(tid));
-      }
-      if (key == "status") step.status = std::stoi(value);
-      if (key == "queue") step.loadBalancing.queuingSystemActivated = std::stoi(value);
-      if (key == "parallel") step.loadBalancing.parallel = 1;
-      if (key == "beside") step.waitingTask = 0;
-      if (key == "never") step.waitingTask = 2;
-      if (key == "disabled") step.enabled = 0;
-      if (key == "ended") step.finishMessage.tag = std::stoi(value);
-      if (key == "error") step.errorLines.addString(value);
-      if (key == "run-file") argument(step, "none", value);
-      if (key == "host") step.hostName = value;
-      if (key == "tmp") step.remoteTmpDir = value;
-      if (key == "fails") launcher.results[step.name] = std::stoi(value);
+      value = words[i].substr(std::min(words[i].size(), key.size() + 1));
+      options.at(key)();
     }
     statuses_ = statuses();
   }
@@ -108,32 +132,24 @@ class TalkTest : public TEngineTest, public testing::WithParamInterface<Talk> {
   }
 
   void play(const Words& words) {
+    const auto number = [&](std::size_t i) { return std::stoi(words.at(i)); };
+    const std::map<std::string, std::function<void()>> events = {
+        {"step", [&] { addStep(words); }},
+        {"gone", [&] { isGone(number(1), words.size() > 2 ? number(2) : kGone); }},
+        {"parent", [&] { stepOf(words.at(1))->addParent(number(2)); }},
+        {"confirmed", [] { gLaunchConfirmed = 1; }},
+        {"suspended", [] { gSuspendRequested = 1; }},
+        {"arrives", [&] { arrive(words); }},
+        {"cycle", [&] { task->superviseOnce(); }},
+        {"walk", [&] { task->launchDueSubTasks(wasRunning_); }},
+    };
     const std::string& what = words.front();
-    if (what == "step")
-      addStep(words);
-    else if (what == "gone")
-      isGone(std::stoi(words.at(1)), words.size() > 2 ? std::stoi(words[2]) : kGone);
-    else if (what == "parent")
-      stepOf(words.at(1))->addParent(std::stoi(words.at(2)));
-    else if (what == "confirmed")
-      gLaunchConfirmed = 1;
-    else if (what == "suspended")
-      gSuspendRequested = 1;
-    else if (what == "arrives")
-      arrive(words);
-    else if (what == "cycle")
-      task->superviseOnce();
-    else if (what == "walk")
-      task->launchDueSubTasks(wasRunning_);
-    else if (what == "task") {
-      TLProcessMessage made = messageOf(words, 900);
-      task->handleMessage(made);
-    } else {
-      const auto at = what.find('@');
-      TLProcessMessage made =
-          messageOf(words, at == what.npos ? 7 : std::stoi(what.substr(at + 1)));
-      stepOf(what.substr(0, at))->handleMessage(made);
-    }
+    const auto event = events.find(what);
+    if (event != events.end()) return event->second();
+    const auto at = what.find('@');
+    const std::int32_t fromStep = at == what.npos ? 7 : std::stoi(what.substr(at + 1));
+    TLProcessMessage made = messageOf(words, what == "task" ? 900 : fromStep);
+    what == "task" ? task->handleMessage(made) : stepOf(what.substr(0, at))->handleMessage(made);
   }
 
   /// What came of the last line.
@@ -169,6 +185,7 @@ TEST_P(TalkTest, GoesAsWritten) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(Talks, TalkTest, testing::ValuesIn(talks()));
+INSTANTIATE_TEST_SUITE_P(Talks, TalkTest, testing::ValuesIn(talks()),
+                         [](const auto& info) { return nameOf(info.param); });
 
 }  // namespace
