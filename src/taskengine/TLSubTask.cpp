@@ -65,6 +65,7 @@ void TLSubTask::assign(const TLSubTask& other) {
   updateHostKind();
   remoteTmpDir = other.remoteTmpDir;
   remoteRunDir.clear();
+  transfer = {};
   remoteLogin = other.remoteLogin;
   steeringAsked = other.steeringAsked;
   enabled = other.enabled;

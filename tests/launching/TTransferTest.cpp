@@ -98,8 +98,8 @@ class Transfers : public testing::Test {
     dir.write("log", "");
   }
 
-  std::string log() const {
-    std::string text = dir.read("log");
+  std::string log() const { return normal(dir.read("log")); }
+  std::string normal(std::string text) const {
     const std::string here = backslashes(dir.path());
     const std::string doubled = std::regex_replace(here, std::regex("\\\\"), "\\\\");
     for (const auto& path : {dir.path(), "C:" + doubled, "C:" + here, here}) {
@@ -119,7 +119,7 @@ class Transfers : public testing::Test {
     std::ostringstream discarded;
     const TLConsoleRedirect redirect(discarded);
     auto result = call();
-    told = std::regex_replace(discarded.str(), std::regex("BOUNDARY CONDITION.*\n"), "");
+    told = std::regex_replace(normal(discarded.str()), std::regex("BOUNDARY CONDITION.*\n"), "");
     return result;
   }
 
@@ -369,38 +369,21 @@ TEST_F(Transfers, OfUnstructuredRunsHaveDirectoriesOfTheirOwn) {
             "tlrcp|-b|DIR/p/c/c.p4pg|far.me:/tmp/.tm_N/c/c.p4pg\n"
             "script message \"Transfer completed ! \n\"\n");
   const std::string far = step->remoteRunDir;
-  EXPECT_EQ(told,
-            "TLSubTask::transferHexa_ ... IN\n"
-            "\n***********************************\n"
-            "Tranfering data to remote directory: " +
-                far +
-                "\n"
-                "***********************************\n"
-                ". Creating _mesh/ subdirectory on remote host: far:" +
-                far +
-                "_mesh\n"
-                "  . Transfering mesh files: " +
-                dir.file("p/_mesh/m.*") +
-                "\n"
-                "  . Creating computation subdirectory on remote host: far:" +
-                far +
-                "c\n"
-                "  . Creating initial computation subdirectory on remote host: far:" +
-                far +
-                "c__INIT_SOL_1__\n"
-                "  . Transfering result files for restart: " +
-                dir.file("p/old/old.*") +
-                "\n"
-                "  . Transfering temporary run file: " +
-                dir.file("p/c/c.runtmp") +
-                "\n"
-                "  . Transfering  <*.p4pg> file: " +
-                dir.file("p/c/c.p4pg") +
-                "\n"
-                "  . Remote <*.p4pg> file:" +
-                far +
-                "c/c.p4pg\n"
-                "TLSubTask::transferHexa_ ... OUT\n");
+  EXPECT_EQ(told, R"(TLSubTask::transferHexa_ ... IN
+
+***********************************
+Tranfering data to remote directory: /tmp/.tm_N/
+***********************************
+. Creating _mesh/ subdirectory on remote host: far:/tmp/.tm_N/_mesh
+  . Transfering mesh files: DIR/p/_mesh/m.*
+  . Creating computation subdirectory on remote host: far:/tmp/.tm_N/c
+  . Creating initial computation subdirectory on remote host: far:/tmp/.tm_N/c__INIT_SOL_1__
+  . Transfering result files for restart: DIR/p/old/old.*
+  . Transfering temporary run file: DIR/p/c/c.runtmp
+  . Transfering  <*.p4pg> file: DIR/p/c/c.p4pg
+  . Remote <*.p4pg> file:/tmp/.tm_N/c/c.p4pg
+TLSubTask::transferHexa_ ... OUT
+)");
   EXPECT_EQ(value(0) + " " + value(1), "/tmp/.tm_N/c/c.run /tmp/.tm_N/c/c.p4pg");
   EXPECT_THAT(dir.read("sent"), HasSubstr(far + "_mesh/m.zyv\n"));
   EXPECT_THAT(dir.read("sent"), HasSubstr(far + "c__INIT_SOL_1__/old.cgns\n"));
@@ -415,16 +398,11 @@ TEST_F(Transfers, OfUnstructuredRunsHaveDirectoriesOfTheirOwn) {
       "tlrcp|-b|-r|far.me:/tmp/.tm_N/c/*|DIR/p/c\n";
   const std::string completed = "script message \"Retrieval completed ! \n\"\n";
   EXPECT_EQ(log(), fetch + completed) << "the solver goes on there";
-  EXPECT_EQ(told,
-            "TLSubTask::retrieveHexa_ ... IN\n"
-            "TLSubTask::retrieveHexa_(), treating argument:" +
-                far +
-                "c/c.run\n"
-                "CMD:/bin/rm -f " +
-                far +
-                "c/c.run\n"
-                "TLSubTask::retrieveHexa_(), treating argument:" +
-                far + "c/c.p4pg\n");
+  EXPECT_EQ(told, R"(TLSubTask::retrieveHexa_ ... IN
+TLSubTask::retrieveHexa_(), treating argument:/tmp/.tm_N/c/c.run
+CMD:/bin/rm -f /tmp/.tm_N/c/c.run
+TLSubTask::retrieveHexa_(), treating argument:/tmp/.tm_N/c/c.p4pg
+)");
   dir.write("log", "");
   EXPECT_EQ(run([&] { return transfer.retrieveResults(*step); }), 1);
   EXPECT_EQ(log(), fetch +
