@@ -92,8 +92,9 @@ std::string TLRunScreen::stepLine(const Content& content, std::size_t position,
     const bool known = step.lastText.empty() && position < content.lastLines.size();
     said = known ? content.lastLines[position] : step.lastText;
   }
-  const std::string transfer = transferText(step);
-  if (!transfer.empty()) rest += "  " + transfer;
+  for (const auto& trouble : {step.silenceText(), transferText(step)}) {
+    if (!trouble.empty()) rest += "  " + trouble;
+  }
   if (!said.empty()) rest += "  " + said;
   const std::string front =
       fmt::format(" {} {:<{}} ", kSigns[atStatus(step)],
