@@ -165,6 +165,15 @@ std::int32_t PvmPeer::spawn(const std::string& program, const std::vector<std::s
   return started < 0 ? started : task;
 }
 
+bool PvmPeer::addHosts(const std::vector<std::string>& lines) {
+  std::vector<std::string> copies = lines;
+  std::vector<char*> hosts;
+  for (auto& line : copies) hosts.push_back(line.data());
+  std::vector<int> infos(hosts.size());
+  const int count = static_cast<int>(hosts.size());
+  return pvm_addhosts(hosts.data(), count, infos.data()) == count;
+}
+
 bool PvmPeer::alive(std::int32_t tid) {
   return pvm_pstat(tid) == PvmOk;
 }

@@ -57,6 +57,8 @@ class PvmPeer {
 
   /// Starts a program on this host; its tid, or PVM's code.
   static std::int32_t spawn(const std::string& program, const std::vector<std::string>& words = {});
+  /// Adds hosts to the virtual machine, each as a host file has it; false when one didn't come.
+  static bool addHosts(const std::vector<std::string>& lines);
   static bool alive(std::int32_t tid);
   static bool waitGone(std::int32_t tid, double seconds = 30.0);
   static void kill(std::int32_t tid);

@@ -63,6 +63,10 @@ void TestDaemon::install(const TestDaemonOptions& options) {
   fs::copy_file(TL_TEST_DAEMON, program);
   fs::create_symlink(TL_TEST_COMPANION, program.parent_path() / "tlhostwatch");
   VirtualMachine::shared().addProgram(options.name, program);
+  if (!options.definitions.empty()) fs::copy(options.definitions, program.parent_path());
+  for (const char* tool : {"tlrsh", "tlrcp"}) {
+    fs::create_symlink(fs::path(TL_TEST_SHARE) / "bin" / tool, program.parent_path() / tool);
+  }
 
   const fs::path system = root / "_tcl" / "_system";
   link(TL_TEST_TCL_SCRIPTS, system / "tcl8.4");

@@ -14,6 +14,8 @@ struct TestDaemonOptions {
   std::vector<std::string> words;
   /// Evaluated at the end of the script layer.
   std::string script;
+  /// A directory whose files go into the installation's "bin": the solvers' definitions.
+  std::filesystem::path definitions;
   /// Further variables of its environment.
   std::vector<std::pair<std::string, std::string>> environment;
 };

@@ -14,6 +14,7 @@
 #include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
 #include "support/Definitions.h"
+#include "support/FullProject.h"
 #include "support/RunFileGenerator.h"
 #include "taskengine/TLSubTask.h"
 
@@ -190,55 +191,6 @@ TEST_F(Transfers, OfArgumentsGoOneByOne) {
   }
 }
 
-/// A project with everything that can belong to one, in the directory "w".
-std::string fullProject(const TTempDir& dir) {
-  for (const char* name : {"w/m.zyv",
-                           "w/m.bcs",
-                           "w/m.cgns",
-                           "w/m.adf",
-                           "w/g.trb",
-                           "w/g.dat",
-                           "w/tables",
-                           "old/old.run",
-                           "old/old.cgns",
-                           "old/old.res",
-                           "w/in.prf",
-                           "ref/ref.cgns",
-                           "ref/rm.zyv",
-                           "ref/rm.cgns",
-                           "ref/rm.adf",
-                           "w/duct.cgns",
-                           "w/duct.cooling-holes",
-                           "w/duct.mf",
-                           "w/duct.me.qvk",
-                           "w/duct.me.bc",
-                           "w/duct.me.uni",
-                           "w/duct.wall"}) {
-    dir.write(name, name);
-  }
-  RunFileOptions reference;
-  reference.gridFile = dir.file("ref/rm.zyv");
-  dir.write("ref/ref.run", RunFileGenerator(reference).runFile());
-  RunFileOptions options;
-  options.gridFile = dir.file("w/m.zyv");
-  options.computationLines = "    REFERENCE_RUN_FILE               " + dir.file("ref/ref.run") +
-                             "\n    TL_BEGIN initial_solution\n      KIND file\n      FILE " +
-                             dir.file("old/old.run") + "\n    TL_END initial_solution\n";
-  options.solverParameters =
-      "VELSTRA,L,1,0, 2\nTHEFIL,L,1,1,0\n" + dir.file("w/tables") + "\nIMUWAL,I,1,1,0\n 1\n";
-  std::string text = RunFileGenerator(options).runFile();
-  text.insert(text.find('\n') + 1,
-              "TRB_FILE " + dir.file("w/g.trb") + "\nGEOMETRY_FILE " + dir.file("w/g.dat") + "\n");
-  const std::string entry =
-      "TL_BEGIN physical_entry\nNAME Static Temperature\nTYPE variable\n"
-      "VARIABLETYPE fct(space)\nEXTERNAL_PROFILE " +
-      dir.file("w/in.prf") + "\nTL_END physical_entry\n";
-  const auto inlet = text.find("TYPE_ID                 11");
-  text.replace(inlet, 26, "TYPE_ID                 28");
-  text.insert(text.find('\n', text.find('\n', inlet) + 1) + 1, entry);
-  return text;
-}
-
 TEST_F(Transfers, OfAProjectTakeAllThatBelongsToIt) {
   dir.write("w/duct.run", fullProject(dir));
   const std::string original = dir.read("w/duct.run");
@@ -333,22 +285,8 @@ TEST_F(Transfers, EndWithTheFirstCopyThatFails) {
   EXPECT_THAT(log(), Not(HasSubstr("tlrcp")));
 }
 
-std::string unstructuredRun(const TTempDir& dir, const std::string& mesh,
-                            const std::string& solution) {
-  RunFileOptions options;
-  options.unstructured = true;
-  options.gridFile = mesh;
-  options.computationLines =
-      "    TL_BEGIN initial_solution\n      KIND const\n    TL_END initial_solution\n"
-      "    TL_BEGIN initial_solution\n      KIND file\n      FILE " +
-      solution + "\n    TL_END initial_solution\n";
-  dir.write("p/_mesh/m.zyv", "mesh");
-  dir.write("p/c/c.p4pg", "hosts");
-  return dir.write("p/c/c.run", RunFileGenerator(options).runFile());
-}
-
 TEST_F(Transfers, OfUnstructuredRunsHaveDirectoriesOfTheirOwn) {
-  unstructuredRun(dir, dir.file("p/_mesh/m.zyv"), dir.file("p/old/old.cgns"));
+  unstructuredProject(dir, dir.file("p/_mesh/m.zyv"), dir.file("p/old/old.cgns"));
   makeStep("LUMBRAKE", "far", {dir.file("p/c/c.run"), dir.file("p/c/c.p4pg")});
   behave("case \"$2\" in *runtmp) cp \"$2\" '" + dir.file("sent") + "';; esac; echo ignored");
   EXPECT_EQ(run([&] { return transfer.transferHexa_(*step); }), 0) << "never fails";
@@ -438,7 +376,7 @@ TLSubTask::retrieveHexa_(), treating argument:/tmp/.tm_N/c/c.p4pg
 
 TEST_F(Transfers, OfUnstructuredRunsToWindowsGoBesideTheDirectory) {
   use(TLHostKind::win32);
-  unstructuredRun(dir, local("p/_mesh/m.zyv"), local("p/old/old.run"));
+  unstructuredProject(dir, local("p/_mesh/m.zyv"), local("p/old/old.run"));
   makeStep("DORVEX", "win", {local("p/c/c.run")});
   step->remoteLogin.clear();
   EXPECT_EQ(run([&] { return transfer.transferHexa_(*step); }), 0);
@@ -708,7 +646,7 @@ TEST_F(RealTools, CarryAProjectOfAnyNameThereAndBack) {
 }
 
 TEST_F(RealTools, CarryTheOtherWaysThereAndBack) {
-  unstructuredRun(dir, dir.file("p/_mesh/m.zyv"), dir.write("p/old/old.run", "old"));
+  unstructuredProject(dir, dir.file("p/_mesh/m.zyv"), dir.write("p/old/old.run", "old"));
   makeStep("LUMBRAKE", {dir.file("p/c/c.run"), dir.file("p/c/c.p4pg")});
   const std::string text = dir.read("p/c/c.run");
   EXPECT_EQ(run([&] { return transfer.transferHexa_(*step); }), 0);
@@ -759,7 +697,7 @@ std::string planned(const TLLaunchPlan& plan) {
 TEST_F(Transfers, AreThoseOfThePlan) {
   setTransfer(&transfer);
   fullProject(dir);
-  unstructuredRun(dir, dir.file("gone/m.zyv"), dir.file("gone/old.run"));
+  unstructuredProject(dir, dir.file("gone/m.zyv"), dir.file("gone/old.run"));
   std::filesystem::remove_all(dir.file("p/_mesh"));  // a star stands as it is where nothing matches
   struct Case {
     const char* name;
