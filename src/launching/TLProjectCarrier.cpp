@@ -56,6 +56,12 @@ bool isThere(const RWCString& path) {
   return hostForm().canRead(path);
 }
 
+/// True for the whole path of a file, not for a text that happens to be a name.
+bool isFileHere(const RWCString& text) {
+  const bool whole = text.starts_with('/') || text.starts_with('\\') || text.find(':') == 1;
+  return whole && isThere(text) && !hostForm().isDirectory(text);
+}
+
 RWCString nameOf(const RWCString& path) {
   return RWCString(TLFile(path).name());
 }
@@ -215,8 +221,14 @@ void TLProjectCarrier::carryPatchFiles(TLSubProject& computation) {
       for (const auto& patch : face->conditions) {
         TLBCParameters* parameters = patch->parameters.get();
         if (parameters == nullptr || !seen.insert(parameters).second) continue;
-        for (const auto& entry : parameters->physicalEntries) carryPath(entry->externalProfile);
-        for (const auto& entry : parameters->chemicalEntries) carryPath(entry->externalProfile);
+        for (const auto* entries : {&parameters->physicalEntries, &parameters->chemicalEntries}) {
+          for (const auto& entry : *entries) {
+            if (!entry->isConstant()) carryPath(entry->externalProfile);
+          }
+        }
+        for (const auto& entry : parameters->stringEntries) {
+          if (isFileHere(entry->value)) carryPath(entry->value);
+        }
       }
     }
   }
