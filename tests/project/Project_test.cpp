@@ -40,38 +40,6 @@ TEST_F(Project, HeaderDecidesWhetherAFileIsAProject) {
   EXPECT_FALSE(TLProject::isProjectText("x\nTALVEN_PROJECT_FILE V 1\n"));
 }
 
-TEST_F(Project, KeysOfTheProjectItself) {
-  const ReadProject read(
-      "TALVEN_PROJECT_FILE VERSION 1210\n"
-      "PROJECT_TYPE  MARINE\nAPPLICATION_TYPE AUTOMOTIVE\nAPPLICATION_TYPE OTHER\n"
-      "SUB_PROJECT_NAME sub\nSUB_PROJECT_FLAG 0\nCOMPUTATION_NAME other\n"
-      "PERFORMANCE_CURVE_AXIS 4 1 2 3 4 5 6\nPERFORMANCE_CURVE_AXIS 3 1 2 3 4 5\n"
-      "GRID_FILE  /gone/a grid.zyv  \nTRB_FILE /gone/t.trb\nGEOMETRY_FILE /usr/unknown\n"
-      "LAST_USED_COMPUTATION_INDEX 7\nSOLVER_PRECISION double\nPROJECT_TYPE nothing\n"
-      "a line nobody knows\nTL_BEGIN unknown\nPROJECT_TYPE HEXA\nTL_END unknown\n");
-  ASSERT_EQ(read.result, 1);
-  EXPECT_EQ(read->projectType(), 4);
-  EXPECT_EQ(read->applicationType(), "AUTOMOTIVE");
-  EXPECT_EQ(read->subProjectName, "sub");
-  EXPECT_EQ(read->axisLabelIndex, 3);
-  ASSERT_EQ(read->axisValues.size(), 1U);
-  EXPECT_EQ(read->lastUsedComputationIndex, 0);
-  EXPECT_EQ(read.written(),
-            "TALVEN_PROJECT_FILE   VERSION 1210\n"
-            "PROJECT_TYPE  MARINE\n"
-            "COMPUTATION_NAME unknown\n"
-            "SUB_PROJECT_FLAG 0\n"
-            "GRID_FILE          /gone/a grid.zyv\n"
-            "RELATIVE_GRID_FILE undefined\n"
-            "TRB_FILE          /gone/t.trb\n"
-            "RELATIVE_TRB_FILE undefined\n"
-            "GEOMETRY_FILE /usr/unknown\n"
-            "RELATIVE_GEOMETRY_FILE undefined\n"
-            "SOLVER_PRECISION double\n"
-            "PERFORMANCE_CURVE_AXIS         3 1 2 3 4 5 6\n"
-            "LAST_USED_COMPUTATION_INDEX    0\n");
-}
-
 TEST_F(Project, OlderVersionsSetThePrecisionAndTheLastUsedMark) {
   const struct {
     const char* version;
@@ -95,32 +63,6 @@ TEST_F(Project, OlderVersionsSetThePrecisionAndTheLastUsedMark) {
     EXPECT_EQ(read.computation(0).lastUsed, 0);
     EXPECT_EQ(read.computation(1).lastUsed, test.lastUsed) << test.version;
   }
-}
-
-TEST_F(Project, ComputationsAreWrittenWithTheirManagersAndBanners) {
-  const std::string computation = "TL_BEGIN computation\nNAME ";
-  const std::string manager = "  TL_BEGIN TLNonDeterministicComputationManager\n";
-  const ReadProject read(
-      "TALVEN_PROJECT_FILE VERSION 1210\n" + manager +
-      "    COMPUTATION_NAME  two\nTL_END TLNonDeterministicComputationManager\n" + manager +
-      "    follows\nTL_END TLNonDeterministicComputationManager\n" + computation +
-      "one\nNON_DETERMINISTIC_ACTIVE 1\nTL_END computation\n" + computation +
-      "two\nTL_END computation\n");
-  ASSERT_EQ(read.result, 1);
-  EXPECT_EQ(read->hasNonDeterministicComputation, 1);
-  EXPECT_EQ(read->currentComputation->name, "one");
-  const std::string text = read.written();
-  const std::string stars(78, '*');
-  const auto first =
-      text.find(manager + "    follows\n  TL_END   TLNonDeterministicComputationManager\n" + stars +
-                "\n******* START COMPUTATION 1 SECTION  **************\n" + stars +
-                "\n  TL_BEGIN computation\n");
-  const auto second =
-      text.find("  TL_END   computation\n" + manager + "    COMPUTATION_NAME  two\n");
-  EXPECT_NE(first, std::string::npos);
-  EXPECT_NE(second, std::string::npos);
-  EXPECT_LT(first, second);
-  EXPECT_NE(text.find("COMPUTATION_NAME one\n"), std::string::npos);
 }
 
 TEST_F(Project, AMovedDirectoryIsFoundByItsRelativePaths) {
