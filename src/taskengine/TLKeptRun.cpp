@@ -123,6 +123,15 @@ TLKeptRun fromJson(const Json& json) {
   return kept;
 }
 
+std::vector<std::string> recordNames(const std::string& directory) {
+  std::vector<std::string> names;
+  hostForm().listDirectory(directory, names);
+  std::erase_if(names, [](const std::string& name) {
+    return !name.starts_with(kPrefix) || !name.ends_with(kSuffix);
+  });
+  return names;
+}
+
 }  // namespace
 
 std::string TLKeptRun::fileName(const std::string& directory, const std::string& taskFile) {
@@ -170,11 +179,8 @@ std::optional<TLKeptRun> TLKeptRun::load(const std::string& path) {
 }
 
 std::vector<TLKeptRun> TLKeptRun::list(const std::string& directory) {
-  std::vector<std::string> names;
-  hostForm().listDirectory(directory, names);
   std::vector<TLKeptRun> runs;
-  for (const auto& name : names) {
-    if (!name.starts_with(kPrefix) || !name.ends_with(kSuffix)) continue;
+  for (const auto& name : recordNames(directory)) {
     if (auto run = load(hostForm().join(directory, name))) runs.push_back(std::move(*run));
   }
   std::ranges::sort(runs,
@@ -183,6 +189,7 @@ std::vector<TLKeptRun> TLKeptRun::list(const std::string& directory) {
 }
 
 void TLKeptRun::removeOld(const std::string& directory) {
+  if (recordNames(directory).size() <= kMostRuns) return;  // they needn't be read
   const auto runs = list(directory);
   for (std::size_t i = kMostRuns; i < runs.size(); ++i) {
     const std::string& task = runs[i].run.taskFile;
