@@ -29,6 +29,7 @@ struct FileOptions {
   std::string input;
   std::string output;
   bool json = false;
+  bool offline = false;
 };
 
 /// What there is to say about a file.
@@ -70,11 +71,19 @@ std::string stepText(const TLSubTask& step, std::size_t position) {
   return text;
 }
 
-FileLook lookAtTask(const std::string& path) {
+/// How far a look at a task goes beyond the file itself.
+enum class TaskLook { file, hereOnly, hosts };
+
+FileLook lookAtTask(const std::string& path, TaskLook depth) {
   TLTaskFile file(path);
   FileLook look;
   look.kind = TLFileKind::task;
-  look.good = file.read() && file.checkJobScripts(true);
+  look.good = file.read();
+  if (look.good) {
+    const bool scripts = file.checkJobScripts(true);
+    const bool hosts = depth == TaskLook::file || file.checkHosts(depth == TaskLook::hosts);
+    look.good = scripts && hosts;
+  }
   look.take(file.report());
   if (!look.good) return look;
   const TLTask& task = file.task();
@@ -115,16 +124,16 @@ FileLook lookAtDefinition(const std::string& path, TLFileKind kind, const std::s
   return look;
 }
 
-FileLook lookAt(const std::string& path) {
+FileLook lookAt(const std::string& path, TaskLook depth) {
   const auto text = hostForm().readFile(path);
-  if (!text) return lookAtTask(path);  // says that it can't be opened
+  if (!text) return lookAtTask(path, depth);  // says that it can't be opened
   const TLFileKind kind = kindOfText(*text);
   switch (kind) {
     case TLFileKind::project:
       return lookAtProject(path);
     case TLFileKind::task:
     case TLFileKind::unknown:
-      return lookAtTask(path);
+      return lookAtTask(path, depth);
     default:
       return lookAtDefinition(path, kind, *text);
   }
@@ -144,7 +153,10 @@ nlohmann::json remarksJson(const std::vector<TLFileRemark>& remarks) {
 
 // `whole`: all that the file holds goes into the JSON, too.
 int showFile(std::string_view command, const FileOptions& options, bool whole) {
-  const FileLook look = lookAt(options.input);
+  const TaskLook depth = whole             ? TaskLook::file
+                         : options.offline ? TaskLook::hereOnly
+                                           : TaskLook::hosts;
+  const FileLook look = lookAt(options.input, depth);
   fmt::print(stderr, "{}", look.report);
   if (options.json) {
     nlohmann::json body{{"kind", nameOfKind(look.kind)},
@@ -227,6 +239,7 @@ std::function<std::function<int()>(CLI::App&)> lookCommand(bool whole) {
   return [whole](CLI::App& app) -> std::function<int()> {
     auto options = std::make_shared<FileOptions>();
     app.add_option("FILE", options->input, "any file of the suite")->required();
+    if (!whole) app.add_flag("--offline", options->offline, "ask no other host whether it answers");
     declareJson(app, options->json);
     return [options, whole, name = app.get_name()] { return showFile(name, *options, whole); };
   };

@@ -22,6 +22,11 @@ class TLTaskFile {
   /// Looks for the templates of the job scripts: one that is missing is a fault, or only a warning
   /// when a step before might still make it (`firm` false). True when none is missing.
   bool checkJobScripts(bool firm);
+  /// Looks for the files that go to other hosts and for the mapping of paths of marine steps there,
+  /// and, with `ask`, whether these hosts answer. A file that no step before can make is a fault
+  /// when it is missing, and so is a silent host to which files have to go or where jobs are
+  /// submitted; all else is a warning. True without a fault. Takes a few seconds at most.
+  bool checkHosts(bool ask);
 
   const TLTask& task() const { return *task_; }
   const TLFileReport& report() const { return report_; }

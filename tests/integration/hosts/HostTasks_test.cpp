@@ -374,4 +374,43 @@ TEST_F(HostTasks, RanksOnTwoHostsReport) {
   EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(daemon);
 }
 
+TEST_F(HostTasks, ACheckTellsWhatIsMissingBeforeAnythingStarts) {
+  dir.write("there.dat", "");
+  const std::string lost = farStep("A", "tool", dir.file("there.dat"), {});
+  const auto onDelta = [](std::string step) {
+    return step.replace(step.find("HOSTNAME beta"), 13, "HOSTNAME delta");
+  };
+  const std::string task =
+      farStep("GOOD", "tool", dir.file("there.dat"), {}) + onDelta(lost) +
+      farStep("LATER", "tool", dir.file("later.dat"), {}) +
+      "TL_BEGIN subtask\n  NAME QUOREL_CFD\n  EXECUTABLE quorelcfd\n  HOSTNAME gamma\n"
+      "  TL_BEGIN process_arguments\n" +
+      argument("none", dir.file("sim/case.sim")) + "  TL_END process_arguments\nTL_END subtask\n";
+  const std::string place = "  LOCAL_COMPUTATION_PATH " + dir.file("sim/") + "\n";
+  const auto check = [&](const std::string& steps, const std::string& words) {
+    dir.write("t.task", TestDaemon::task(steps, place));
+    return HostNetwork::run("env TALVEN_DIR=" TL_SHARE_DIR " " TL_TLCTL " check " + words + " " +
+                            dir.file("t.task"));
+  };
+  const auto found = check(task, "");
+  EXPECT_NE(found.code, 0);
+  EXPECT_THAT(found.output, HasSubstr("fault: step 1 (A): host delta can't be reached as root: "));
+  EXPECT_THAT(found.output, HasSubstr("warning: step 2 (LATER): " + dir.file("later.dat") +
+                                      ", which goes to host beta, isn't there yet"));
+  EXPECT_THAT(found.output,
+              HasSubstr("warning: step 3 (QUOREL_CFD): no \"remote paths.txt\" above " +
+                        dir.file("sim/") + " names host gamma"));
+  EXPECT_THAT(found.output, Not(HasSubstr("step 0")));
+  EXPECT_EQ(check(task, "--offline").code, 0);
+  const auto first = check(farStep("FIRST", "tool", dir.file("later.dat"), {}), "");
+  EXPECT_NE(first.code, 0);
+  EXPECT_THAT(first.output, HasSubstr("fault: step 0 (FIRST): " + dir.file("later.dat") +
+                                      ", which goes to host beta, can't be read"));
+  HostNetwork::cut("beta");
+  const auto silent = check(lost, "");
+  HostNetwork::heal("beta");
+  EXPECT_NE(silent.code, 0);
+  EXPECT_THAT(silent.output, HasSubstr("host beta can't be reached as root: no answer in time"));
+}
+
 }  // namespace
