@@ -67,6 +67,7 @@ class TLDistribution {
   /// strongly coupled first, and among equals the lowest number first. Those that turned out to
   /// be too heavy are parked until the processor may take more.
   /// @{
+
   /// Takes the next candidate out; false when there is none left.
   bool nextCandidate(std::int32_t processor, Candidate& candidate);
   void park(std::int32_t processor, Candidate candidate);

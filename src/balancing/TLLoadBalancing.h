@@ -49,6 +49,7 @@ class TLLoadBalancing : public RefCounted {
 
   /// @name Distributing
   /// @{
+
   /// Takes mesh, coarsening and settings from a project file (or a run file). For an unstructured
   /// mesh also its map of partitions, as the mesh tool left it in the blocks' parameters, to which
   /// the processes are fitted; the map is traced on the console. False when the file can't be
@@ -76,6 +77,7 @@ class TLLoadBalancing : public RefCounted {
 
   /// @name Processes
   /// @{
+
   /// Name of process `index`; "Undefined" when there is none.
   RWCString processName(std::int32_t index) const;
   void addProcessName(const RWCString& name) { processNames.push_back(name); }

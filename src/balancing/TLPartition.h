@@ -43,6 +43,7 @@ class TLPartition {
 
   /// @name Distributing
   /// @{
+
   /// Distributes all blocks anew and reports. Answers 0.
   int partition();
   /// Drops the processors that got no load, and answers how many. The blocks are not renumbered:
@@ -79,6 +80,7 @@ class TLPartition {
 
   /// @name Measures
   /// @{
+
   /// Computes the cost of the distribution: balance costs, links kept inside a processor earn.
   void evaluate();
   /// Average load divided by the largest.

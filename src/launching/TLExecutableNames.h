@@ -44,6 +44,7 @@ bool findBin64(const TLProgramChoice& choice, const RWCString& binDirectory, cha
 
 /// @name Full paths of the 64-bit programs that an MPI launcher of a Windows host is given.
 /// @{
+
 /// Of the structured solver, by the task file's precision.
 RWCString structuredSolverPath(const TLProgramChoice& choice, const RWCString& binDirectory,
                                char separator);

@@ -20,6 +20,7 @@ class TLRemPathMapping : public TLMappingStrategy {
 
   /// @name Paths as lists of components.
   /// @{
+
   /// The first "/" or "\\" of a path; "/" for a path without either.
   static char separatorOf(const RWCString& path);
   /// The components between separators, empty ones kept; two separators at the start belong to the

@@ -33,6 +33,7 @@ class TLSteeringParameter : public RefCounted {
 
   /// @name The series.
   /// @{
+
   /// Number of points. A set that tells what somebody holds has counts without points.
   std::int32_t valueCount() const { return valueCount_; }
   /// Sets the count alone and lets the points go: for sets that only tell what somebody holds.

@@ -49,6 +49,7 @@ class TLParameters : public RefCounted {
 
   /// @name Single parameters.
   /// @{
+
   /// True when a parameter of this name is in use.
   bool has(std::string_view descriptor) const;
   /// The descriptor in use for this name, empty when it isn't.

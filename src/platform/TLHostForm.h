@@ -62,6 +62,7 @@ class TLHostForm {
 
   /// @name The installation.
   /// @{
+
   /// Full path of the running executable, empty when unknown.
   virtual std::string executablePath() const = 0;
   virtual TLSettingsStore& settings() = 0;
@@ -77,6 +78,7 @@ class TLHostForm {
 
   /// @name Processes.
   /// @{
+
   /// Runs a command line and waits for it. Standard output and error go to `outputFile`, created
   /// or emptied, unless that name is empty; a symbolic link is refused. Answers the exit code (128 and the signal's number for
   /// a process that a signal ended); a start that failed answers an error code and sets `started`

@@ -10,13 +10,15 @@
 /// The record type behind a handle, or behind a list of handles.
 template <class T>
 struct TLChildOf;
+/// That of a single child.
 template <class T>
 struct TLChildOf<Handle<T>> {
-  using Type = T;
+  using Type = T;  ///< The record.
 };
+/// That of a list of children.
 template <class T>
 struct TLChildOf<std::vector<Handle<T>>> {
-  using Type = T;
+  using Type = T;  ///< The record of one element.
 };
 
 /// A new child of `owner`, for the owner's type of project when the child depends on it.
@@ -29,10 +31,12 @@ Handle<Child> makeChild(const Owner& owner) {
   }
 }
 
+/// A single child: a later block of its name replaces it.
 template <class Child>
 void keepChild(Handle<Child>& place, Handle<Child> child) {
   place = std::move(child);
 }
+/// A list: children stay in the order of the file.
 template <class Child>
 void keepChild(std::vector<Handle<Child>>& place, Handle<Child> child) {
   place.push_back(std::move(child));
@@ -55,7 +59,7 @@ constexpr TLKey<Record> childKey(std::string_view blockName) {
 template <class Child>
 struct TLNamedChild {
   std::string_view blockName;  ///< a literal, as it is written
-  Handle<Child> record;
+  Handle<Child> record;        ///< Never null in a list that was read.
 };
 
 /// Row of a child's block that is kept with its name in the list `Member`.
@@ -80,16 +84,19 @@ void writeChild(TLTextSink& sink, const Child& child, std::string_view indent,
   child.write(sink);
   sink << indent << "TL_END   " << name << '\n';
 }
+/// Nothing for a null handle.
 template <class Child>
 void writeChild(TLTextSink& sink, const Handle<Child>& child, std::string_view indent,
                 std::string_view name) {
   if (child) writeChild(sink, *child, indent, name);
 }
+/// One block per child, all of one name.
 template <class Child>
 void writeChildren(TLTextSink& sink, const std::vector<Handle<Child>>& children,
                    std::string_view indent, std::string_view name) {
   for (const auto& child : children) writeChild(sink, *child, indent, name);
 }
+/// One block per child, each of its own name.
 template <class Child>
 void writeChildren(TLTextSink& sink, const std::vector<TLNamedChild<Child>>& children,
                    std::string_view indent) {

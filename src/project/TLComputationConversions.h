@@ -10,9 +10,10 @@ class TLSubProject;
 /// One step that brings a computation of an older file up to date. Steps change the model in
 /// memory, skip what is absent, and never fail.
 struct TLComputationConversion {
-  std::string_view name;
+  std::string_view name;  ///< A literal that says what the step is for.
   /// True when the computation, as it was read, needs the step.
   bool (*isDue)(const TLSubProject& computation);
+  /// Changes the computation in place.
   void (*run)(TLSubProject& computation);
 };
 

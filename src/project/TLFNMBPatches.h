@@ -17,6 +17,7 @@
 /// the face.
 class TLFNMBPatches : public RefCounted {
  public:
+  /// A patch at 0 0 0, for a project of this type (a TLProjectType).
   explicit TLFNMBPatches(std::int32_t projectType) : projectType(projectType) {}
 
   /// Takes the line of one patch. 0 when a token is missing; nothing is printed.
@@ -25,10 +26,12 @@ class TLFNMBPatches : public RefCounted {
   void write(TLTextSink& sink) const;
 
   std::int32_t block() const { return indices[0]; }  ///< all counted from 1
+  /// Always 1 in HEXA and MARINE projects.
   std::int32_t face() const { return indices[1]; }
+  /// Place among the face's conditions.
   std::int32_t patch() const { return indices[2]; }
 
-  std::int32_t projectType;
+  std::int32_t projectType;               ///< A TLProjectType: decides the form of the line.
   RWCString name;                         ///< of the patch; empty in HEXA and MARINE projects
   RWCString groupName;                    ///< HEXA and MARINE projects: the name in the file
   std::array<std::int32_t, 3> indices{};  ///< block, face, patch

@@ -10,5 +10,6 @@ class TLInjectionSector : public TLKeptBlock {
 
   /// The kind's number; 0 without a line. Kind 3 switches the solver's cooling model on.
   std::int32_t kind() const;
+  /// Replaces the number, or adds its line.
   void setKind(std::int32_t kind);
 };

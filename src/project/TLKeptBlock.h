@@ -17,9 +17,9 @@ enum class TLKeptValue { integer, real, word, text };
 /// One value of a kept block that the system looks at: the keys under which it may stand (the
 /// first is the one written for a new line), its kind, and the literal of a new line.
 struct TLKeptField {
-  std::span<const std::string_view> keys;
-  TLKeptValue kind;
-  std::string_view literal;
+  std::span<const std::string_view> keys;  ///< Compared without regard to case.
+  TLKeptValue kind;                        ///< What read() checks the value for.
+  std::string_view literal;                ///< Written ahead of the value, blanks included.
 };
 
 /// The form of one kind of kept block. All views are literals.
@@ -32,7 +32,7 @@ struct TLKeptForm {
   std::string_view writtenVersion;
   /// Body of a record made here instead of read.
   std::string_view newBody;
-  std::span<const TLKeptField> fields = {};
+  std::span<const TLKeptField> fields = {};  ///< Values that can be asked for and set; by index.
 };
 
 /// A block of a run file that this system carries without taking it apart: a model of the solvers
@@ -56,7 +56,9 @@ class TLKeptBlock : public RefCounted {
 
   /// The version that was read; for a new record the one that is written.
   double version() const { return version_; }
+  /// All lines between the markers, each with its new line.
   const std::string& body() const { return body_; }
+  /// The constant that the record was made with.
   const TLKeptForm& form() const { return *form_; }
 
  protected:
@@ -65,9 +67,11 @@ class TLKeptBlock : public RefCounted {
 
   /// @name Values of the block's own lines. `field` counts in the form's table.
   /// @{
+  /// True when a line of the block itself has one of the field's keys.
   bool hasField(std::size_t field) const;
   /// All behind the key, outer blanks cut; empty without such a line.
   RWCString text(std::size_t field) const;
+  /// The number behind the key; `absent` without such a line.
   std::int32_t integer(std::size_t field, std::int32_t absent) const;
   /// Replaces the value in its line, or adds a line at the end.
   void setText(std::size_t field, std::string_view value);
@@ -75,6 +79,7 @@ class TLKeptBlock : public RefCounted {
   void dropField(std::size_t field);
   /// @}
 
+  /// Puts `line`, which must end in a new line, at the end of the body.
   void appendLine(std::string_view line) { body_ += line; }
 
   /// Values behind `key` in the blocks named `block` within this one, in their order.

@@ -13,7 +13,9 @@ class TLMeridionnalPatch : public RefCounted {
   /// Takes the seven indices behind the key of `line`; what follows them isn't looked at. 0, with
   /// a complaint on the console, when one is missing.
   int readLine(std::string_view line);
+  /// The seven indices behind the key, two blanks apart, and the new line.
   void write(TLTextSink& sink) const;
 
+  /// In the order of the line, whose meaning is the interface's.
   std::array<std::int32_t, 7> indices{};
 };

@@ -39,11 +39,13 @@ class TLProject : public RefCounted {
   /// True when the first data line of a text is that of a project file ("TALVEN_PROJECT_FILE") or
   /// of a mesh file ("ZYV").
   static bool isProjectText(std::string_view text);
+  /// The same for a mesh file ("ZYV").
   static bool isMeshText(std::string_view text);
 
   /// @name Relative paths. A path in the project is told twice, absolutely and relative to the
   /// base directory of the project file, so that a project directory can be moved.
   /// @{
+
   /// The directory to which paths are relative, with its separator: for a run file (suffix "run"),
   /// which lies in the directory of its computation, the directory around that one, with `climb`
   /// the one around that again; for other files their own directory.
@@ -65,12 +67,14 @@ class TLProject : public RefCounted {
   /// Sets the type and, when `usesDefinitions`, loads the units and the steering definitions for
   /// it.
   void setProjectType(std::int32_t type);
+  /// A TLProjectType; 0 until told.
   std::int32_t projectType() const { return projectType_; }
   /// "STRUCTURED", "BLADE_TO_BLADE", "HEXA", "SCULPT3D", "MARINE".
   static std::string_view projectTypeWord(std::int32_t type);
 
   /// Stores "GENERAL", "AUTOMOTIVE" or "OPEN"; other words are ignored.
   void setApplicationType(std::string_view word);
+  /// One of the three words, or empty.
   const RWCString& applicationType() const { return applicationType_; }
 
   /// Whether reading loads and uses the definitions of the solvers in VELSTRA_DIR. A process whose
@@ -82,21 +86,22 @@ class TLProject : public RefCounted {
   /// The first computation; null for a project without one.
   Handle<TLSubProject> currentComputation;
 
-  TLFile projectFile;
-  TLFile gridFile;
-  TLFile trbFile;
-  TLFile geometryFile;
-  std::int32_t axisLabelIndex = 0;
-  std::vector<std::vector<double>> axisValues;  ///< each of six values
-  std::int32_t isRead = 0;                      ///< 1 once a read has finished
-  double version = 1210.0;                      ///< of the file that was read
-  std::vector<Handle<TLSubProject>> computations;
-  std::vector<Handle<TLPerformanceCurve>> performanceCurves;
+  TLFile projectFile;                              ///< Where the project was read from.
+  TLFile gridFile;                                 ///< The mesh; unknown: none.
+  TLFile trbFile;                                  ///< Blade definitions; unknown: none.
+  TLFile geometryFile;                             ///< The CAD geometry; unknown: none.
+  std::int32_t axisLabelIndex = 0;                 ///< Of the performance curve's axis. Carried.
+  std::vector<std::vector<double>> axisValues;     ///< each of six values
+  std::int32_t isRead = 0;                         ///< 1 once a read has finished
+  double version = 1210.0;                         ///< of the file that was read
+  std::vector<Handle<TLSubProject>> computations;  ///< In the order of the file.
+  std::vector<Handle<TLPerformanceCurve>> performanceCurves;  ///< Carried.
+  /// One per uncertainty study. Carried.
   std::vector<Handle<TLNonDeterministicComputationManager>> nonDeterministicManagers;
-  std::int32_t lastUsedComputationIndex = 0;
-  std::int32_t hasNonDeterministicComputation = 0;
-  RWCString solverPrecision = "single";  ///< "single", "double" or "hybrid"
-  RWCString subProjectName;
+  std::int32_t lastUsedComputationIndex = 0;        ///< From 0; always within `computations`, or 0.
+  std::int32_t hasNonDeterministicComputation = 0;  ///< 1: at least one is non-deterministic.
+  RWCString solverPrecision = "single";             ///< "single", "double" or "hybrid"
+  RWCString subProjectName;                         ///< Read, never written.
   Handle<TLSteeringParameters> steering;  ///< of the step that runs this project; null for none
   std::int32_t subProjectFlag = 0;        ///< not 0: the computations lie a level deeper
 

@@ -85,6 +85,7 @@ class TLSubTask : public RefCounted {
 
   /// @name Status.
   /// @{
+
   /// "pending", "running", ... ; "not a correct status" for any other number.
   RWCString statusWord() const;
   bool isTerminal() const { return status >= FinishedOk && status <= Stopped; }
@@ -96,6 +97,7 @@ class TLSubTask : public RefCounted {
 
   /// @name Lists.
   /// @{
+
   /// Null when `position` is outside.
   Handle<TLProcessArgument> argument(std::int32_t position) const;
   Handle<TLProcessArgument> spawnArgument(std::int32_t position) const;
@@ -114,6 +116,7 @@ class TLSubTask : public RefCounted {
 
   /// @name Messages.
   /// @{
+
   /// Sends to each parent above 0, in order.
   void sendToParents(TLProcessMessage& message) const;
   /// As sendToParents, adding 10000 to the tag before each send; the sum accumulates.
@@ -127,6 +130,7 @@ class TLSubTask : public RefCounted {
 
   /// @name Steering.
   /// @{
+
   /// Gives the interface `tid` the values that it lacks by `known` (null: nothing known).
   void sendSteering(std::int32_t tid, const Handle<TLSteeringParameters>& known);
   /// Takes over a new set; histories of parameters that stay are kept. Null drops the present set.
