@@ -22,8 +22,8 @@ class TLDistribution {
  public:
   /// A free block that a processor may take, and how strongly it is attached to it.
   struct Candidate {
-    float coupling = 0.0F;
-    std::int32_t block = 0;
+    float coupling = 0.0F;   ///< Sum of the weights of the edges to it; above 0.
+    std::int32_t block = 0;  ///< From 1; 0: none.
   };
 
   /// Nothing assigned, no processor. `graph` isn't owned and must outlive this object.
@@ -57,8 +57,11 @@ class TLDistribution {
   /// Between `detach` and `settle` only owner(), nbFree(), and load() of a processor that was
   /// settled since may be asked.
   /// @{
+  /// Takes a block from its processor; the processor's sums are wrong from here on.
   void detach(std::int32_t block);
+  /// Brings one processor's list and load up to date, not yet the couplings.
   void settleLoad(std::int32_t processor);
+  /// Brings everything up to date, at once for all that were detached.
   void settle();
   /// @}
 
@@ -70,6 +73,7 @@ class TLDistribution {
 
   /// Takes the next candidate out; false when there is none left.
   bool nextCandidate(std::int32_t processor, Candidate& candidate);
+  /// Sets aside a candidate that nextCandidate() gave.
   void park(std::int32_t processor, Candidate candidate);
   /// Brings the parked candidates back, when the lightest of them would fit in `maximumLoad`.
   void unpark(std::int32_t processor, float maximumLoad);

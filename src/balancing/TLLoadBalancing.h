@@ -31,8 +31,9 @@ class TLLoadBalancing : public RefCounted {
   using DistributionMap = std::map<std::vector<std::int32_t>, std::vector<std::int32_t>>;
 
   TLLoadBalancing();
+  /// Copies the lists by element; the mesh and the other records of `setup` are shared.
   TLLoadBalancing(const TLLoadBalancing& other);
-  TLLoadBalancing& operator=(const TLLoadBalancing& other);
+  TLLoadBalancing& operator=(const TLLoadBalancing& other);  ///< As the copy.
   ~TLLoadBalancing() override;
 
   /// Copies all of `other`, the lists by element.
@@ -80,6 +81,7 @@ class TLLoadBalancing : public RefCounted {
 
   /// Name of process `index`; "Undefined" when there is none.
   RWCString processName(std::int32_t index) const;
+  /// Adds a process; its number is the count of names before.
   void addProcessName(const RWCString& name) { processNames.push_back(name); }
   /// Takes a process away. With a queuing system it is always the last one, and its blocks go to
   /// the one before. Without, it is process `index`, which must be at least 1: its blocks go to
@@ -95,36 +97,36 @@ class TLLoadBalancing : public RefCounted {
   void setNbBlocks(std::int32_t count);
   /// @}
 
-  std::int32_t mpiSgi664 = 0;     ///< A launcher variant.
-  std::int32_t nbGridLevels = 1;  ///< Grid levels summed for a block's load.
-  std::int32_t multigridI = 1;    ///< Whether the direction coarsens with the level; J, K alike.
-  std::int32_t multigridJ = 1;
-  std::int32_t multigridK = 1;
-  Handle<TLGrid> mesh;  ///< Set by `setup`, as are the next two.
-  Handle<TLOutputs> outputs;
-  Handle<TLParameters> parameters;
-  RWCString projectFile;        ///< The file that the distribution was set up from.
-  float tolerance = 0.0F;       ///< Overload that the automatic balance allows at first.
-  std::int32_t parallel = 0;    ///< 1 for a parallel run.
-  std::int32_t gridLevelI = 0;  ///< Coarsening of the computation; J, K alike.
-  std::int32_t gridLevelJ = 0;
-  std::int32_t gridLevelK = 0;
-  std::int32_t userSolverPrecision = 0;
-  std::int32_t maximumHarmonicsNumber = 0;  ///< Written, but never read back.
-  std::int32_t mpiType = 2;                 ///< The MPI family.
-  RWCString fluidType = "unknown";
-  RWCString steamTablesPath = "unknown";
+  std::int32_t mpiSgi664 = 0;       ///< A launcher variant.
+  std::int32_t nbGridLevels = 1;    ///< Grid levels summed for a block's load.
+  std::int32_t multigridI = 1;      ///< Whether the direction coarsens with the level; J, K alike.
+  std::int32_t multigridJ = 1;      ///< As `multigridI`.
+  std::int32_t multigridK = 1;      ///< As `multigridI`.
+  Handle<TLGrid> mesh;              ///< Set by `setup`, as are the next two.
+  Handle<TLOutputs> outputs;        ///< What the computation gives out; null without.
+  Handle<TLParameters> parameters;  ///< Solver parameters; null without.
+  RWCString projectFile;            ///< The file that the distribution was set up from.
+  float tolerance = 0.0F;           ///< Overload that the automatic balance allows at first.
+  std::int32_t parallel = 0;        ///< 1 for a parallel run.
+  std::int32_t gridLevelI = 0;      ///< Coarsening of the computation; J, K alike.
+  std::int32_t gridLevelJ = 0;      ///< As `gridLevelI`.
+  std::int32_t gridLevelK = 0;      ///< As `gridLevelI`.
+  std::int32_t userSolverPrecision = 0;        ///< Of the computation: 1 double precision. Carried.
+  std::int32_t maximumHarmonicsNumber = 0;     ///< Written, but never read back.
+  std::int32_t mpiType = 2;                    ///< The MPI family.
+  RWCString fluidType = "unknown";             ///< Of the computation ("Perfect Gas", ...).
+  RWCString steamTablesPath = "unknown";       ///< Directory of the thermodynamic tables.
   std::int32_t nbQueuingSystemProcessor = 1;   ///< Processors asked of the queuing system.
   std::int32_t queuingSystemActivated = 0;     ///< 0 none, 1 SGE, 2 PBS, 3 LSF.
   RWCString queuingSystemQueue = "Undefined";  ///< Queue or parallel environment.
   RWCString queuingTemplate = "default_ompi";  ///< Name of the job script's template.
-  std::int32_t compilerChoice = 0;
-  std::int32_t automaticLoadBalancing = 1;
+  std::int32_t compilerChoice = 0;             ///< Carried, without effect here.
+  std::int32_t automaticLoadBalancing = 1;     ///< 1: balance() may distribute the blocks.
   std::int32_t adjustProcessors = 1;  ///< 1: the balance may lower the number of processors.
 
   /// Copies of the owning step's host and login, which aren't part of the block.
   RWCString hostName;
-  RWCString remoteLogin;
+  RWCString remoteLogin;  ///< Empty: the user's own name.
 
   std::vector<RWCString> processNames;     ///< Host or process name of each process.
   std::vector<std::int32_t> blockProcess;  ///< Process of each block.
@@ -135,13 +137,13 @@ class TLLoadBalancing : public RefCounted {
   std::vector<RWCString> partName_;  ///< and its name.
 
   std::vector<RWCString> designGenerations;  ///< Name of each design generation.
-  Generations geomGeneration;
-  Generations meshGeneration;
-  Generations flowSolverGeneration;
-  Generations postTreatmentGeneration;
-  Generations feaMeshGeneration;
-  Generations feaSolverGeneration;
-  Generations feaPostTreatmentGeneration;
+  Generations geomGeneration;                ///< Processes that make the geometry,
+  Generations meshGeneration;                ///< the mesh,
+  Generations flowSolverGeneration;          ///< the flow solution,
+  Generations postTreatmentGeneration;       ///< its evaluation,
+  Generations feaMeshGeneration;             ///< the mesh of the structure,
+  Generations feaSolverGeneration;           ///< its solution
+  Generations feaPostTreatmentGeneration;    ///< and the evaluation of that.
 
  private:
   void removeLastQueuedProcess();

@@ -60,17 +60,23 @@ class TLPartition {
   /// @name The distribution
   /// Numbers out of range answer 0.
   /// @{
+  /// Processor of a block; 0: free.
   std::int32_t owner(std::int32_t block) const;
   /// The owners of all blocks, by block.
   std::vector<std::int32_t> owners() const;
+  /// Sum of the weights (cells) of a processor's blocks.
   float load(std::int32_t processor) const;
+  /// Sum of the edges (interface nodes) from a block to a processor's blocks.
   float coupling(std::int32_t block, std::int32_t processor) const;
+  /// Sum of the edges between all pairs of a block of one and of the other processor.
   double cut(std::int32_t processorA, std::int32_t processorB) const;
   /// The free blocks coupled to a processor, as many as the result says at the front of `ids`, the
   /// most strongly coupled first; `scores` holds the couplings. Both get an element per block.
   std::int32_t freeNeighbours(std::int32_t processor, std::vector<float>& scores,
                               std::vector<std::int32_t>& ids) const;
+  /// True when `block` is on `processor`; false for a number out of range, too.
   bool isIn(std::int32_t block, std::int32_t processor) const;
+  /// True when no block is free; true without blocks.
   bool allAssigned() const { return distribution_.nbFree() == 0; }
   /// 1, or 0 with a line on the console when the block has an owner or a number is out of range.
   int assign(std::int32_t block, std::int32_t processor);
@@ -87,27 +93,38 @@ class TLPartition {
   float efficiency() const;
   /// Prints the distribution on the console.
   void report() const;
+  /// Weight of all blocks together, in cells.
   float totalLoad() const { return totalLoad_; }
+  /// totalLoad() over the number of processors.
   float averageLoad() const { return averageLoad_; }
+  /// What a processor may take at the present tolerance.
   float maximumLoad() const { return maximumLoad_; }
+  /// Overload allowed at present, as a part of the average load.
   float tolerance() const { return tolerance_; }
+  /// What evaluate() found; 1e20 before.
   float globalCost() const { return cost_.global; }
+  /// Part of the cost for communication. Never computed: stays 1e20.
   float commCost() const { return cost_.comm; }
+  /// Mean absolute deviation of the loads from their average, from evaluate(); 1e20 before.
   float loadCost() const { return cost_.load; }
   /// @}
 
+  /// Those that are distributed over; at most as many as were asked for.
   std::int32_t nbProcessors() const { return nbProcessors_; }
+  /// 0 for an empty mesh, with which all operations do nothing.
   std::int32_t nbBlocks() const { return graph_.nbBlocks(); }
+  /// 1 when the number of processors was changed, for the reasons in warnings().
   std::int32_t adjusted() const { return adjusted_; }
+  /// 1 once partition() has run.
   std::int32_t partitioned() const { return partitioned_; }
   /// Texts of all adjustments of the number of processors.
   const RWCString& warnings() const { return warnings_; }
   /// One pass of the last partition: its limits, and what became of the free blocks in it.
   struct Pass {
-    float tolerance = 0.0F;
-    float maximumLoad = 0.0F;
-    std::int32_t freeBefore = 0;
-    std::int32_t freeAfter = 0;
+    float tolerance = 0.0F;       ///< Overload allowed, as a part of the average.
+    float maximumLoad = 0.0F;     ///< In cells.
+    std::int32_t freeBefore = 0;  ///< Free blocks at its start
+    std::int32_t freeAfter = 0;   ///< and at its end.
   };
   /// The passes of the last partition, without those in the middle when there are very many.
   const std::vector<Pass>& passes() const { return passes_; }
@@ -115,6 +132,7 @@ class TLPartition {
   std::int32_t nbPasses() const { return nbPasses_; }
   /// Blocks of a processor in the order of their assignment; none for a number out of range.
   std::span<const std::int32_t> blocks(std::int32_t processor) const;
+  /// Vertices and edges that are distributed by; lives as long as this object.
   const TLPartitionGraph& graph() const { return graph_; }
 
  private:

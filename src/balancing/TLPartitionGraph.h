@@ -25,9 +25,11 @@ class TLPartitionGraph {
   /// to a block that doesn't exist is told there, and left out.
   TLPartitionGraph(const TLBlockMesh& mesh, const TLCoarsening& coarsening);
 
+  /// Numbers of blocks run from 1 to this.
   std::int32_t nbBlocks() const { return static_cast<std::int32_t>(loads_.size()); }
   /// Weight of a block, from 1.
   float load(std::int32_t block) const { return loads_[static_cast<std::size_t>(block - 1)]; }
+  /// Weights of all blocks in cells; block number n is element n - 1.
   const std::vector<float>& loads() const { return loads_; }
   /// The links of a block, from 1, by ascending number of the other block.
   std::span<const TLPartitionLink> links(std::int32_t block) const {

@@ -30,29 +30,31 @@ class VPartParameters {
 
   /// Number of tasks of the partition.
   std::int32_t nbTasks() const { return nbTasks_; }
+  /// Any number; 1 is the least that the solver takes.
   void setNbTasks(std::int32_t count) { nbTasks_ = count; }
   /// True when the virtual partition is in use.
   bool isActivated() const { return activated != 0; }
+  /// 1 puts the virtual partition to use, 0 out of it.
   void setActivated(std::int32_t value) { activated = value; }
 
-  std::int32_t nbTasks_ = 1;
-  std::int32_t nbBlocksPerProcess = 8;
-  float balancing = 0.8F;
+  std::int32_t nbTasks_ = 1;            ///< Tasks of the partition.
+  std::int32_t nbBlocksPerProcess = 8;  ///< Virtual blocks that each process gets.
+  float balancing = 0.8F;               ///< Balance that is aimed at; 1 is perfect.
   std::array<float, 4> penalties = {1.0F, 0.2F, 0.2F, 0.05F};  ///< Weights of the partition cost.
-  bool redBlackTree = true;
-  bool workOnCoarseGrid = false;
-  bool partitionedRunfile = false;
-  std::int32_t nbConstantIteration = 10;
-  double toleranceOfConstantIteration = 0.01;
-  std::int32_t runComputation = 1;
+  bool redBlackTree = true;               ///< Carried, as are all that have no other remark.
+  bool workOnCoarseGrid = false;          ///< The partition is made on the coarse grid.
+  bool partitionedRunfile = false;        ///< The run file is written by partition.
+  std::int32_t nbConstantIteration = 10;  ///< Iterations without gain after which the search ends.
+  double toleranceOfConstantIteration = 0.01;  ///< Gain below which an iteration has none.
+  std::int32_t runComputation = 1;             ///< 1: the computation follows the partition.
   std::int32_t automaticMemoryEstimation = 1;  ///< 1: the solver sizes its memory itself.
   double integerRelaxation = 1.5;              ///< Margin on integer memory.
   double realRelaxation = 1.2;                 ///< Margin on real memory.
   std::uint64_t sizeI = 10000;                 ///< Integer memory size.
   std::uint64_t sizeD = 10000;                 ///< Real memory size.
-  std::int32_t activated = 0;
-  bool writeSolutionOnPartition = false;
-  bool partitionNmb = true;
-  double projectBufferSize = 0.0;
-  std::int32_t mergeVirtualTopology = 0;
+  std::int32_t activated = 0;                  ///< 1: in use.
+  bool writeSolutionOnPartition = false;       ///< Key "WRITE_SOLUTION_ON_PARTITON", so spelt.
+  bool partitionNmb = true;                    ///< Non-matching connections are cut, too.
+  double projectBufferSize = 0.0;              ///< 0: the solver's own choice.
+  std::int32_t mergeVirtualTopology = 0;       ///< 1: blocks are merged back for the solution.
 };

@@ -36,14 +36,14 @@ class TLProject : public RefCounted {
   /// The text of the project.
   void write(TLTextSink& sink) const;
 
-  /// True when the first data line of a text is that of a project file ("TALVEN_PROJECT_FILE") or
-  /// of a mesh file ("ZYV").
+  /// True when the first data line of a text is that of a project file ("TALVEN_PROJECT_FILE").
   static bool isProjectText(std::string_view text);
-  /// The same for a mesh file ("ZYV").
+  /// True when it is that of a mesh file ("ZYV").
   static bool isMeshText(std::string_view text);
 
-  /// @name Relative paths. A path in the project is told twice, absolutely and relative to the
-  /// base directory of the project file, so that a project directory can be moved.
+  /// @name Relative paths
+  /// A path in the project is told twice, absolutely and relative to the base directory of the
+  /// project file, so that a project directory can be moved.
   /// @{
 
   /// The directory to which paths are relative, with its separator: for a run file (suffix "run"),
