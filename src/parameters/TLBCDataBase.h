@@ -11,6 +11,7 @@
 /// the process, empty until loaded.
 class TLBCDataBase {
  public:
+  /// The object of the process, made on first use.
   static TLBCDataBase& instance();
 
   /// Reads the file for a solver (the project type's code: 2 is the unstructured solver, all others
@@ -33,13 +34,17 @@ class TLBCDataBase {
   /// the answer is `record` itself, so that nothing is lost.
   Handle<TLBCParameters> inLine(const Handle<TLBCParameters>& record);
 
+  /// The kinds in the order of the file; of two with one pair the first is found.
   const std::vector<Handle<TLBCParameters>>& definitions() const { return definitions_; }
+  /// What the backward records lead to, one for each and parallel to them.
   const std::vector<Handle<TLBCParameters>>& backwardTargets() const { return backwardTargets_; }
+  /// The backward records in the order of the file.
   const std::vector<Handle<TLBCBackwardRecord>>& backwardRecords() const {
     return backwardRecords_;
   }
   /// The kind last asked for in vain; both -1 when there was none.
   std::int32_t missingTypeId() const { return missingTypeId_; }
+  /// The option of that kind.
   std::int32_t missingTypeOpsel() const { return missingTypeOpsel_; }
 
  private:

@@ -45,39 +45,41 @@ class TLBCParameters : public RefCounted {
   /// "rotational_speed_2", 0 for neither.
   static int rotationalSpeed(std::string_view name);
 
-  double version = 3.0;
-  std::int32_t bcParametersIndex = 0;
-  RWCString bcType = "UNDEFINED";
-  RWCString type = "UNDEFINED";
-  std::vector<RWCString> subType;
-  std::vector<RWCString> subType1;
-  std::vector<RWCString> subType2;
-  RWCString name;
-  RWCString condition = "none";
-  std::int32_t expertMode = 0;
-  std::int32_t typeId = 0;
-  std::int32_t typeOpsel = 0;
-  RWCString shortWord;  ///< "INL", "SOL" or empty
-  std::int32_t localSystem = 0;
-  std::array<double, 3> localLiftDirection{};
-  std::array<double, 3> localDragDirection{};
-  std::array<double, 3> localMomentDirection{};
-  std::array<double, 3> localMomentCenter{};
+  double version = 3.0;                ///< As read; 3.0 is what is written.
+  std::int32_t bcParametersIndex = 0;  ///< Of the record in its computation's list.
+  RWCString bcType = "UNDEFINED";      ///< The key "TLBCTYPE"; not written while "UNDEFINED".
+  RWCString type = "UNDEFINED";        ///< Group of kinds: "INLET", "OUTLET", "SOLID", ...
+  std::vector<RWCString> subType;      ///< Words of the line "SUBTYPE",
+  std::vector<RWCString> subType1;     ///< of the line "SUBTYPE1",
+  std::vector<RWCString> subType2;     ///< and of the line "SUBTYPE2". Carried for the interface.
+  RWCString name;                      ///< Of the condition in the project.
+  RWCString condition = "none";        ///< Expression under which the kind is offered.
+  std::int32_t expertMode = 0;         ///< 1: offered to experts only.
+  std::int32_t typeId = 0;             ///< Id of the kind.
+  std::int32_t typeOpsel = 0;          ///< Option of the kind.
+  RWCString shortWord;                 ///< "INL", "SOL" or empty
+  std::int32_t localSystem = 0;        ///< 1: the next four hold instead of the global ones.
+  std::array<double, 3> localLiftDirection{};    ///< x, y, z, as of the next three.
+  std::array<double, 3> localDragDirection{};    ///< Direction of the drag.
+  std::array<double, 3> localMomentDirection{};  ///< Axis of the moment.
+  std::array<double, 3> localMomentCenter{};     ///< Point on that axis, in the units of the mesh.
 
+  /// Values that may be laws in space and time.
   std::vector<Handle<TLPhysicalEntry>> physicalEntries;
-  std::vector<Handle<TLPhysicalEntry>> chemicalEntries;
+  std::vector<Handle<TLPhysicalEntry>> chemicalEntries;  ///< Those of species.
+  /// A list keeps the order of the file; names are unique by use only.
   std::vector<Handle<TLRealEntry>> realEntries;
-  std::vector<Handle<TLVectorEntry>> vectorEntries;
-  std::vector<Handle<TLIntegerEntry>> integerEntries;
-  std::vector<Handle<TLChoiceEntry>> choiceEntries;
-  std::vector<Handle<TLStringEntry>> stringEntries;
-  std::vector<Handle<TLBCLagrangianEntry>> lagrangianEntries;
+  std::vector<Handle<TLVectorEntry>> vectorEntries;            ///< Three reals each.
+  std::vector<Handle<TLIntegerEntry>> integerEntries;          ///< Whole numbers.
+  std::vector<Handle<TLChoiceEntry>> choiceEntries;            ///< Choices of one possibility.
+  std::vector<Handle<TLStringEntry>> stringEntries;            ///< Texts.
+  std::vector<Handle<TLBCLagrangianEntry>> lagrangianEntries;  ///< Those of particles.
   /// Entries of the "_def" blocks: part of a definition, never written.
   std::vector<Handle<TLRealEntry>> realEntriesDef;
-  std::vector<Handle<TLVectorEntry>> vectorEntriesDef;
-  std::vector<Handle<TLIntegerEntry>> integerEntriesDef;
-  std::vector<Handle<TLChoiceEntry>> choiceEntriesDef;
-  std::vector<Handle<TLStringEntry>> stringEntriesDef;
+  std::vector<Handle<TLVectorEntry>> vectorEntriesDef;    ///< From "vector_entry_def".
+  std::vector<Handle<TLIntegerEntry>> integerEntriesDef;  ///< From "integer_entry_def".
+  std::vector<Handle<TLChoiceEntry>> choiceEntriesDef;    ///< From "single_choice_def".
+  std::vector<Handle<TLStringEntry>> stringEntriesDef;    ///< From "string_entry_def".
 
  private:
   friend struct TLBCParametersKeys;
@@ -91,8 +93,13 @@ class TLBCParameters : public RefCounted {
 /// Passes what a project sets in one entry to another of its kind; name, units and condition stay
 /// those of the receiver.
 void passValue(const TLPhysicalEntry& from, TLPhysicalEntry& to);
+/// A real.
 void passValue(const TLRealEntry& from, TLRealEntry& to);
+/// Three reals.
 void passValue(const TLVectorEntry& from, TLVectorEntry& to);
+/// A whole number.
 void passValue(const TLIntegerEntry& from, TLIntegerEntry& to);
+/// The number of the possibility; the receiver keeps its own possibilities.
 void passValue(const TLChoiceEntry& from, TLChoiceEntry& to);
+/// A text.
 void passValue(const TLStringEntry& from, TLStringEntry& to);

@@ -8,5 +8,5 @@ class TLChoice : public TLEntry {
   int readLine(std::string_view line) override;
   void write(TLTextSink& sink) const override;
 
-  std::int32_t value = 0;
+  std::int32_t value = 0;  ///< The number by which the possibility is chosen.
 };

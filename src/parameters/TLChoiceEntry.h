@@ -9,11 +9,12 @@ class TLChoiceEntry : public TLEntry {
  public:
   int readLine(std::string_view line) override;
   int read(TLTextSource& source) override;
+  /// The block form, under the name that all entries have for it.
   int readBlock(TLTextSource& source) { return read(source); }
   void write(TLTextSink& sink) const override;
 
-  std::int32_t value = 0;
-  std::vector<Handle<TLChoice>> subChoices;
-  RWCString controlRole = "unknown";
-  RWCString controlKey = "unknown";
+  std::int32_t value = 0;                    ///< Need not be the number of one of `subChoices`.
+  std::vector<Handle<TLChoice>> subChoices;  ///< In the order of the file; empty: none are told.
+  RWCString controlRole = "unknown";  ///< Whether other entries depend on the choice. Carried,
+  RWCString controlKey = "unknown";   ///< as is the key by which they do.
 };

@@ -11,9 +11,9 @@ enum class TLParameterType { unknown = -1, integer = 0, real = 1, text = 2 };
 /// The identity of a parameter in files: one word of five fields, "IROVAR,I,1,1,0": name, type, a
 /// field that is carried only, number of values, a field that is carried only.
 struct TLDescriptor {
-  RWCString name;
-  TLParameterType type = TLParameterType::unknown;
-  std::int32_t count = 0;  ///< values of the parameter; never negative
+  RWCString name;  ///< In capitals; may begin with an underscore. Never empty.
+  TLParameterType type = TLParameterType::unknown;  ///< The second field.
+  std::int32_t count = 0;                           ///< values of the parameter; never negative
 
   /// Takes a descriptor apart from its end. The type is unknown for another letter, a missing or
   /// empty field, and for a number of values that no file can have.
@@ -21,5 +21,6 @@ struct TLDescriptor {
   /// The word for a parameter of this name, type and number of values.
   RWCString text() const;
 
+  /// Bound of the number of values, against files that were damaged.
   static constexpr std::int32_t kMostValues = 100000;
 };

@@ -23,10 +23,10 @@ class TLEntry : public RefCounted {
   /// Writes the entry.
   virtual void write(TLTextSink& sink) const;
 
-  RWCString name = "unknown";
-  RWCString condition = "none";  ///< expression under which the interface shows the entry
-  std::int32_t expertMode = 0;
-  RWCString valueUnitsName = "unknown";
+  RWCString name = "unknown";            ///< What the value stands for; "unknown" while untold.
+  RWCString condition = "none";          ///< expression under which the interface shows the entry
+  std::int32_t expertMode = 0;           ///< 1: the interface shows it to experts only.
+  RWCString valueUnitsName = "unknown";  ///< Name of the quantity whose units the value has.
   std::int32_t position = -1;  ///< running number in the record that read it, from 0; -1: none
   Handle<TLNonDeterministicData> nonDeterministicData;  ///< null for none
 

@@ -10,6 +10,7 @@ class TLFile {
  public:
   /// The file that stands for none.
   TLFile() = default;
+  /// Takes `path` apart; a path without a separator has no directory.
   explicit TLFile(std::string_view path);
   /// A path on another host, kept in that host's notation.
   static TLFile onOtherHost(std::string_view path);

@@ -9,5 +9,5 @@ class TLFileEntry : public TLEntry {
   int readLine(std::string_view line) override;
   void write(TLTextSink& sink) const override;
 
-  TLFile file;
+  TLFile file;  ///< "/usr/unknown" while untold.
 };

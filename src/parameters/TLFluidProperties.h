@@ -17,30 +17,32 @@ class TLFluidProperties : public RefCounted {
 
   /// Reads the block's lines behind its opening line. 0 with a complaint on the console on failure.
   int read(TLTextSource& source);
+  /// The lines of the block, without its opening and closing one.
   void write(TLTextSink& sink) const;
 
+  /// Printed when the version line holds no number.
   static constexpr char kVersionFailure[] =
       " wrong TLFluidProperties header: cannot determine TLFluidProperties version";
 
-  double version = 5.0;
-  double tempRef = 0.0;
-  double presRef = 0.0;
-  double tempRefMin = 0.0;
-  double tempRefMax = 0.0;
-  double presRefMin = 0.0;
-  double presRefMax = 0.0;
-  double temperatureInf = 0.0;
-  double temperatureSutherland = 0.0;
-  double densitySutherland = 0.0;
-  double compressibility = 0.0;
-  double dilatation = 0.0;
-  double prandtl = 0.0;
-  double rGasConst = 0.0;
-  RWCString fluidType = "unknown";
-  std::int32_t realGasModel = 0;
+  double version = 5.0;                      ///< As read; 5.0 is what is written.
+  double tempRef = 0.0;                      ///< Reference temperature, K.
+  double presRef = 0.0;                      ///< Reference pressure, Pa.
+  double tempRefMin = 0.0;                   ///< Range of the laws: lowest temperature, K,
+  double tempRefMax = 0.0;                   ///< highest,
+  double presRefMin = 0.0;                   ///< lowest pressure, Pa,
+  double presRefMax = 0.0;                   ///< highest.
+  double temperatureInf = 0.0;               ///< Temperature of Sutherland's reference state, K.
+  double temperatureSutherland = 0.0;        ///< Sutherland's constant, K.
+  double densitySutherland = 0.0;            ///< Density at Sutherland's reference state, kg/m3.
+  double compressibility = 0.0;              ///< Of a liquid with pressure, 1/Pa.
+  double dilatation = 0.0;                   ///< Of a liquid with temperature, 1/K.
+  double prandtl = 0.0;                      ///< Prandtl number, without unit.
+  double rGasConst = 0.0;                    ///< Specific gas constant, J/(kg K).
+  RWCString fluidType = "unknown";           ///< As that of the fluid. Carried.
+  std::int32_t realGasModel = 0;             ///< Code of the solvers; 0: none.
   Handle<TLPhysicalEntry> dynamicViscosity;  ///< the five are never null
-  Handle<TLPhysicalEntry> heatConductivity;
-  Handle<TLPhysicalEntry> barotropicLaw;
-  Handle<TLPhysicalEntry> heatCapacity;
-  Handle<TLPhysicalEntry> gamma;
+  Handle<TLPhysicalEntry> heatConductivity;  ///< In the units that the entry names, as all five.
+  Handle<TLPhysicalEntry> barotropicLaw;     ///< Density by pressure.
+  Handle<TLPhysicalEntry> heatCapacity;      ///< At constant pressure.
+  Handle<TLPhysicalEntry> gamma;             ///< Ratio of heat capacities, without unit.
 };

@@ -11,6 +11,7 @@
 /// The fluids that are at hand, in their order, with a list of their names.
 class TLFluidsDataBase : public RefCounted {
  public:
+  /// Appends a fluid, which must not be null and is shared; equal names are kept.
   void add(Handle<TLFluid> fluid) {
     names.push_back(fluid->fluidName);
     fluids.push_back(std::move(fluid));
@@ -24,6 +25,6 @@ class TLFluidsDataBase : public RefCounted {
     return nullptr;
   }
 
-  std::vector<Handle<TLFluid>> fluids;
-  std::vector<RWCString> names;
+  std::vector<Handle<TLFluid>> fluids;  ///< Parallel to `names`.
+  std::vector<RWCString> names;         ///< Of each fluid when it was added.
 };

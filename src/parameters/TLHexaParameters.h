@@ -18,6 +18,7 @@ class TLHexaParameters : public RefCounted {
   /// The first setting of this name; null when there is none. Owned by this record.
   TLParameter* find(std::string_view name) const;
 
-  double version = 1.0;
+  double version = 1.0;  ///< As read; 1.0 is what is written.
+  /// In the order of the file, which is that of writing.
   std::vector<Handle<TLParameter>> parameters;
 };

@@ -7,9 +7,9 @@
 
 /// One parameter that the program knows by name: a row of the table in TLNamedParameters.cpp.
 struct TLNamedParameter {
-  std::string_view name;
-  TLParameterType type;
-  std::int32_t count;
+  std::string_view name;  ///< In capitals, without type and counts.
+  TLParameterType type;   ///< Never unknown.
+  std::int32_t count;     ///< Values of the parameter, at least 1.
 
   /// Its descriptor as it stands in files.
   RWCString descriptor() const;
@@ -17,7 +17,7 @@ struct TLNamedParameter {
 
 /// A list of places in the quantity table.
 struct TLIndexList {
-  std::string_view name;
+  std::string_view name;       ///< A named list; its descriptor is formed with its count.
   std::string_view countedBy;  ///< the named parameter that says how many there are
 };
 
@@ -32,6 +32,7 @@ int namedMember(std::string_view name);
 /// The first row of a member.
 const TLNamedParameter& namedMemberRow(std::size_t member);
 
+/// All lists, in the order of writing.
 std::span<const TLIndexList> indexLists();
 /// Place of a list in indexLists, or -1.
 int findIndexList(std::string_view name);

@@ -15,14 +15,14 @@ class TLParameter : public RefCounted {
   /// Writes the lines of the block, without opening and closing.
   void write(TLTextSink& sink) const;
 
-  std::int32_t global = 0;
-  std::int32_t expert = 0;
-  double version = 1.0;
-  RWCString name = "unknown";
-  RWCString varName;
-  RWCString quorel;  ///< second name for the marine solver; empty: none
-  std::int32_t obsolete = 0;
-  TLParameterValue value;
+  std::int32_t global = 0;     ///< 1: holds for all blocks.
+  std::int32_t expert = 0;     ///< 1: for experts only.
+  double version = 1.0;        ///< As read; 1.0 is what is written.
+  RWCString name = "unknown";  ///< By which the solver knows it; "unknown" while untold.
+  RWCString varName;           ///< Of the variable in the solver. Never written.
+  RWCString quorel;            ///< second name for the marine solver; empty: none
+  std::int32_t obsolete = 0;   ///< 1: of no use any more, kept for old files.
+  TLParameterValue value;      ///< Its type and size are the parameter's.
   std::vector<TLParameterValue> oldValues;  ///< values that stand for the default of older versions
   std::vector<RWCString> comments;          ///< comment lines within the block, never written
 

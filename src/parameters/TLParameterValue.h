@@ -28,17 +28,28 @@ class TLParameterValue {
   /// `rows` times `columns` zeros or empty texts. Negative numbers count as 0.
   TLParameterValue(TLValueType type, std::int32_t rows, std::int32_t columns);
 
+  /// One kind for all elements.
   TLValueType type() const { return static_cast<TLValueType>(elements_.index()); }
+  /// At least 0.
   std::int32_t rows() const { return rows_; }
+  /// At least 0.
   std::int32_t columns() const { return columns_; }
 
+  /// Element of a table of integers; row and column from 0, as in all that follow.
   std::int32_t integer(std::int32_t row, std::int32_t column) const;
+  /// Element of a table of reals (double precision).
   double real(std::int32_t row, std::int32_t column) const;
+  /// Element of a table of texts.
   RWCString string(std::int32_t row, std::int32_t column) const;
+  /// Element of a table of reals in single precision.
   float single(std::int32_t row, std::int32_t column) const;
+  /// Replaces an element of a table of integers.
   void setInteger(std::int32_t row, std::int32_t column, std::int32_t value);
+  /// Replaces an element of a table of reals.
   void setReal(std::int32_t row, std::int32_t column, double value);
+  /// Replaces an element of a table of texts.
   void setString(std::int32_t row, std::int32_t column, RWCString value);
+  /// Replaces an element of a table in single precision.
   void setSingle(std::int32_t row, std::int32_t column, float value);
 
   /// Makes the table anew and fills it from a line "VALUE ...". False, with a complaint on the

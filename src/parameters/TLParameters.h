@@ -56,13 +56,17 @@ class TLParameters : public RefCounted {
   RWCString descriptorOf(std::string_view descriptor) const;
   /// All values; empty when it isn't in use or holds values of another type.
   std::vector<std::int32_t> integers(std::string_view descriptor) const;
+  /// The same of a real parameter.
   std::vector<double> reals(std::string_view descriptor) const;
+  /// Value of a text parameter, blanks within kept; empty when it isn't in use.
   RWCString text(std::string_view descriptor) const;
   /// Gives the parameter this descriptor and these values. A name that nobody knows becomes a new
   /// generic parameter. The values are cut or filled with 0 to the descriptor's number. Nothing for
   /// a descriptor of another type.
   void setIntegers(std::string_view descriptor, std::vector<std::int32_t> values);
+  /// The same for a real parameter.
   void setReals(std::string_view descriptor, std::vector<double> values);
+  /// The same for a text parameter, which has one value.
   void setText(std::string_view descriptor, std::string_view value);
   /// @}
 
@@ -72,33 +76,36 @@ class TLParameters : public RefCounted {
 
   /// One parameter as it is written: its descriptor, and its values one blank apart.
   struct Item {
-    RWCString descriptor;
-    RWCString values;
+    RWCString descriptor;  ///< All five fields.
+    RWCString values;      ///< As they are written; a text as it stands.
   };
   /// All that `write` puts out behind its header, in that order.
   std::vector<Item> items() const;
 
  protected:
+  /// A parameter that the definition file lists and no named member takes.
   template <class T>
   struct Generic {
-    RWCString descriptor;
-    RWCString name;
-    std::vector<T> values;
+    RWCString descriptor;                   ///< As in the file, all five fields.
+    RWCString name;                         ///< Its first field.
+    std::vector<T> values;                  ///< As many as the descriptor says.
     Handle<TLParametersDataBaseInfo> info;  ///< null for one that no definition has
   };
   /// A named parameter; which of the values it has is told by its type.
   struct Member {
-    RWCString descriptor;  ///< empty: not in use
-    std::vector<std::int32_t> integers;
-    std::vector<double> reals;
-    RWCString text;
+    RWCString descriptor;                ///< empty: not in use
+    std::vector<std::int32_t> integers;  ///< Empty unless it is an integer parameter.
+    std::vector<double> reals;           ///< Empty unless it is a real one.
+    RWCString text;                      ///< Empty unless it is a text.
   };
 
+  /// True when the definitions list a generic parameter of this name.
   bool hasGeneric(std::string_view name) const;
   /// Adds a generic parameter with its values from the stream. False, and nothing is read, for one
   /// that is neither integer nor real.
   bool addGeneric(const TLDescriptor& parsed, std::string_view descriptor,
                   const Handle<TLParametersDataBaseInfo>& info, TLTextSource& stream);
+  /// Puts the output quantities of every computation in.
   void applyFixedSettings();
 
  private:

@@ -11,5 +11,5 @@ class TLParametersDataBaseInfo : public RefCounted {
   /// True when the first comment line is "OBSOLETE": the parameter is kept but never written.
   bool isObsolete() const { return !comments.empty() && comments.front() == "OBSOLETE"; }
 
-  std::vector<RWCString> comments;
+  std::vector<RWCString> comments;  ///< Without the leading "*"; empty lines are left out.
 };

@@ -8,9 +8,11 @@
 class TLPhysicalEntry : public TLEntry {
  public:
   TLPhysicalEntry();
+  /// A constant 0 called so, with laws of its own.
   explicit TLPhysicalEntry(RWCString entryName);
 
   int read(TLTextSource& source) override;
+  /// The block form, under the name that all entries have for it.
   int readBlock(TLTextSource& source) { return read(source); }
   /// Writes the lines of the block, without opening and closing, at 14 digits. The laws of a
   /// constant entry are not written.
@@ -24,16 +26,16 @@ class TLPhysicalEntry : public TLEntry {
   /// Sets the text for a code; outside of 1 to 5 that of 0.
   void setVariableTypeCode(int code);
 
-  double version = 1.0;
-  std::int32_t nonDeterministic = 0;
-  RWCString type = "variable";
-  double value = 0.0;
-  double minValue = 1000000.0;
-  RWCString variableType = "constant";
+  double version = 1.0;                 ///< As read; 1.0 is what is written.
+  std::int32_t nonDeterministic = 0;    ///< Not 0: `nonDeterministicData` is written.
+  RWCString type = "variable";          ///< "constant", or else the laws count.
+  double value = 0.0;                   ///< Of a constant, in the units of `valueUnitsName`.
+  double minValue = 1000000.0;          ///< Lower bound; 1000000 while untold.
+  RWCString variableType = "constant";  ///< Which law: "fct(space)", "polynom", ...
   /// The laws are never null. Entries may share them: replace a law, don't change it in place.
   Handle<TLProfile> timeProfile;
-  Handle<TLProfile> spaceProfile;
-  Handle<TLPolynom> polynom;
-  Handle<TLProfile> frequencyProfile;
-  RWCString externalProfile;
+  Handle<TLProfile> spaceProfile;      ///< Law in space.
+  Handle<TLPolynom> polynom;           ///< Polynomial, of temperature in fluids.
+  Handle<TLProfile> frequencyProfile;  ///< Law in frequency.
+  RWCString externalProfile;           ///< Path of a file with the law; empty: none.
 };

@@ -12,5 +12,6 @@ class TLPolynom : public TLKeptBlock {
 
   /// Coefficients from the lowest power on; empty when the block has no line of them.
   std::vector<double> coefficients() const;
+  /// Replaces the line of coefficients, or adds it.
   void setCoefficients(const std::vector<double>& coefficients);
 };

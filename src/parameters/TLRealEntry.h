@@ -12,9 +12,9 @@ class TLRealEntry : public TLEntry {
   /// Writes the lines of a "real_entry_full" block, without opening and closing.
   void writeFull(TLTextSink& sink) const;
 
-  std::int32_t nonDeterministic = 0;
-  double value = 0.0;
-  double minValue = 1000000.0;
-  RWCString controlRole = "unknown";
-  RWCString controlKey = "unknown";
+  std::int32_t nonDeterministic = 0;  ///< Not 0: `nonDeterministicData` is written.
+  double value = 0.0;                 ///< In the units of `valueUnitsName`.
+  double minValue = 1000000.0;        ///< Lower bound; 1000000 while untold.
+  RWCString controlRole = "unknown";  ///< Whether other entries depend on the value. Carried,
+  RWCString controlKey = "unknown";   ///< as is the key by which they do.
 };

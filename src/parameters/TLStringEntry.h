@@ -7,8 +7,9 @@ class TLStringEntry : public TLEntry {
  public:
   int readLine(std::string_view line) override;
   int read(TLTextSource& source) override;
+  /// The block form, under the name that all entries have for it.
   int readBlock(TLTextSource& source) { return read(source); }
   void write(TLTextSink& sink) const override;
 
-  RWCString value;
+  RWCString value;  ///< In the value form its words are one blank apart.
 };

@@ -10,6 +10,7 @@
 /// process, empty until started.
 class TLUnitsDataBase : public RefCounted {
  public:
+  /// The object of the process, made on first use.
   static TLUnitsDataBase& instance();
 
   /// Reads the file, replacing what is held. 1 on success, 0 when it can't be opened or holds a
@@ -22,7 +23,7 @@ class TLUnitsDataBase : public RefCounted {
   /// The units of a quantity, its name compared token by token; null when unknown.
   Handle<TLUnits> find(std::string_view name) const;
 
-  std::vector<Handle<TLUnits>> records;
-  std::vector<RWCString> defaultSystems;
-  RWCString newProjectDefaultSystem;
+  std::vector<Handle<TLUnits>> records;   ///< In the order of the file.
+  std::vector<RWCString> defaultSystems;  ///< Names of the systems of units to choose from.
+  RWCString newProjectDefaultSystem;      ///< The one of a new project.
 };

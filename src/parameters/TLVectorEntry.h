@@ -9,8 +9,9 @@ class TLVectorEntry : public TLEntry {
  public:
   int readLine(std::string_view line) override;
   int read(TLTextSource& source) override;
+  /// The block form, under the name that all entries have for it.
   int readBlock(TLTextSource& source) { return read(source); }
   void write(TLTextSink& sink) const override;
 
-  std::array<double, 3> value{};
+  std::array<double, 3> value{};  ///< x, y, z.
 };
