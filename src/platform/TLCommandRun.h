@@ -5,7 +5,7 @@
 
 /// What came of a process that was run to its end.
 struct TLCommandResult {
-  bool started = false;
+  bool started = false;  ///< False when the program wasn't found or couldn't be run.
   /// Exit code, 128 and the signal's number after a death by signal, the errno when not started.
   int code = 0;
 };

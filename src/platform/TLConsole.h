@@ -10,6 +10,7 @@ std::ostream& console();
 /// standard output must hold nothing but data). `target` must outlive it. Nests.
 class TLConsoleRedirect {
  public:
+  /// From here on console() answers `target`.
   explicit TLConsoleRedirect(std::ostream& target);
   ~TLConsoleRedirect();
   TLConsoleRedirect(const TLConsoleRedirect&) = delete;

@@ -19,9 +19,9 @@ enum class TLHostKind { win32, posix };
 struct TLFileCommands {
   std::string remove;      ///< one file
   std::string removeTree;  ///< a directory with all in it
-  std::string copy;
+  std::string copy;        ///< One file.
   std::string move;  ///< replaces its target
-  std::string makeDirectory;
+  std::string makeDirectory;  ///< One level.
 };
 
 /// The one port to the host: everything that depends on it goes through the object that
@@ -35,6 +35,7 @@ class TLHostForm {
  public:
   virtual ~TLHostForm() = default;
 
+  /// Which of the two conventions this form follows.
   virtual TLHostKind kind() const = 0;
 
   /// @name Names and paths.
@@ -65,6 +66,7 @@ class TLHostForm {
 
   /// Full path of the running executable, empty when unknown.
   virtual std::string executablePath() const = 0;
+  /// The per-machine settings, owned by the form.
   virtual TLSettingsStore& settings() = 0;
   /// The commands of the suite rooted at `suiteDirectory` (posix: the system's own).
   virtual TLFileCommands fileCommands(std::string_view suiteDirectory) const = 0;
@@ -94,11 +96,13 @@ class TLHostForm {
 
   /// @name Files.
   /// @{
+  /// True when a file or directory of this name exists and may be read.
   virtual bool canRead(std::string_view path) const = 0;
   /// True when the name itself is a symbolic link, wherever that leads.
   virtual bool isLink(std::string_view path) const = 0;
   /// True when an existing file can be opened for reading and writing; else `error` is the errno.
   virtual bool canWrite(std::string_view path, int& error) const = 0;
+  /// All bytes of a file; none when it can't be opened or read.
   virtual std::optional<std::string> readFile(std::string_view path) const = 0;
   /// The last `longest` bytes of a file, or all of a shorter one. None for what is no regular file.
   virtual std::optional<std::string> readEnd(std::string_view path, std::size_t longest) const = 0;
@@ -110,6 +114,7 @@ class TLHostForm {
   /// it, and the answer is the errno (0 for success). An existing file that can't be written is
   /// refused. What is no regular file (a pipe, a terminal) is written to as it is.
   virtual int replaceFile(std::string_view path, std::string_view text) = 0;
+  /// Makes one directory; false when it can't be made, also since it is there already.
   virtual bool makeDirectory(std::string_view path) = 0;
   /// As makeDirectory, for this user alone. One that is there already stays as it is.
   virtual bool makePrivateDirectory(std::string_view path) = 0;
@@ -119,7 +124,9 @@ class TLHostForm {
   /// All names in a directory, "." and ".." included, appended to `names`; nothing when there is
   /// no such directory.
   virtual void listDirectory(std::string_view directory, std::vector<std::string>& names) const = 0;
+  /// Working directory of this process; empty when it can't be told.
   virtual std::string currentDirectory() const = 0;
+  /// Makes it the working directory of this process; false when that isn't possible.
   virtual bool changeDirectory(std::string_view directory) = 0;
   /// Takes the exclusive lock file `path` without waiting. Null when another process holds it.
   virtual std::unique_ptr<TLLockFile> acquireLock(std::string_view path) = 0;
@@ -127,12 +134,15 @@ class TLHostForm {
 
   /// @name The user and the machine.
   /// @{
+  /// The user's own directory, without a separator at its end.
   virtual std::string homeDirectory() const = 0;
   /// The virtual machine's word for this host's architecture ("LINUX64"; win32: "win32").
   virtual std::string architecture() const = 0;
+  /// Name of this machine on the network, as the system tells it; empty when it can't.
   virtual std::string hostName() const = 0;
   /// The runtime's pseudo-random number, 0 to 32767 in both forms.
   virtual int randomNumber() = 0;
+  /// Number of this process on this host.
   virtual int processId() const = 0;
   /// How many processes of this machine the system has ended for want of memory since it was
   /// started; 0 where it doesn't tell.
@@ -150,6 +160,7 @@ void setHostForm(TLHostKind kind);
 /// former one.
 std::unique_ptr<TLHostForm> exchangeHostForm(std::unique_ptr<TLHostForm> form);
 
+/// A form for a UNIX host, this one.
 std::unique_ptr<TLHostForm> makePosixForm();
 
 /// What a win32 form takes from elsewhere when it doesn't run on such a host.
@@ -163,5 +174,7 @@ struct TLWin32Setup {
   std::string executable;
 };
 
+/// A form that speaks as on a Windows host, with what it can't ask such a host for.
 std::unique_ptr<TLHostForm> makeWin32Form(TLWin32Setup setup);
+/// The same with only its drives' directory told.
 std::unique_ptr<TLHostForm> makeWin32Form(std::string root = {});

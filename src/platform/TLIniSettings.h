@@ -6,10 +6,10 @@
 #include "platform/TLMemorySettings.h"
 
 /// Settings kept in an INI file, whose sections are the keys:
-///
+/// @verbatim
 ///   [Software\TALVEN International\mire71]
 ///   TALVEN_DIR = /opt/suite/mire71
-///
+/// @endverbatim
 /// A value may hold "${NAME}", the environment's variable of that name, "${NAME:-text}", the same
 /// with a text for the case that it isn't set, and "${SETTINGS_DIR}", the file's own directory, so
 /// that an installation can be moved with its settings.

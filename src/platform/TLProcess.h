@@ -21,7 +21,9 @@ struct TLProcessOptions {
 class TLProcess {
  public:
   TLProcess() = default;
+  /// Takes the process over; `other` then holds none.
   TLProcess(TLProcess&& other) noexcept;
+  /// Exchanges the processes; the former one ends with `other`.
   TLProcess& operator=(TLProcess&& other) noexcept;
   TLProcess(const TLProcess&) = delete;
   TLProcess& operator=(const TLProcess&) = delete;

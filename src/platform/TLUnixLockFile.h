@@ -15,6 +15,7 @@ class TLUnixLockFile : public TLLockFile {
   /// made. Never waits.
   static std::unique_ptr<TLLockFile> acquire(const std::string& path);
 
+  /// Takes over a lock that acquire() has got; the file is removed with this object.
   TLUnixLockFile(std::string path, TLFileDescriptor file);
   ~TLUnixLockFile() override;
 

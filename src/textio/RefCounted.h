@@ -9,7 +9,9 @@
 class RefCounted {
  public:
   RefCounted() = default;
+  /// A copy starts with no Handle.
   RefCounted(const RefCounted& /*other*/) {}
+  /// Leaves the count as it is: the Handles are those of this record.
   RefCounted& operator=(const RefCounted& /*other*/) { return *this; }
   virtual ~RefCounted() = default;
 

@@ -20,9 +20,9 @@ enum class TLKeyResult { next, done, failed };
 
 /// What a key's action has at hand: the line that matched, the stream behind it, the reader.
 struct TLKeyContext {
-  TLTextSource& source;
-  TLTokenReader& reader;
-  std::string_view line;
+  TLTextSource& source;             ///< Stands behind the line.
+  TLTokenReader& reader;            ///< On the same source.
+  std::string_view line;            ///< Without its new line.
   std::string_view blockName = {};  ///< the matching row's second word
 };
 
@@ -32,18 +32,20 @@ struct TLKeyContext {
 /// the literal that stands in front of its value and the writer, which puts out the whole line.
 template <class Record>
 struct TLKey {
-  std::string_view word;
-  std::string_view secondWord;
+  std::string_view word;        ///< In any case.
+  std::string_view secondWord;  ///< Empty: one word is enough.
+  /// What is done with the line; may read on.
   TLKeyResult (*action)(Record& record, TLKeyContext& context);
   int place = 0;  ///< order of writing, from 1; 0: only read
-  std::string_view literal = {};
+  std::string_view literal = {};  ///< With all blanks up to the value.
+  /// Null for a row without a place.
   void (*write)(const Record& record, TLTextSink& sink, std::string_view literal) = nullptr;
 };
 
 /// Finds the words of a fixed vocabulary, case ignored, in the tokens of a line.
 class TLWordIndex {
  public:
-  static constexpr int kNone = -1;
+  static constexpr int kNone = -1;  ///< For a word that isn't in the vocabulary.
 
   /// Number of `word`, which is entered when it is new.
   int add(std::string_view word);
@@ -55,7 +57,9 @@ class TLWordIndex {
     }
     return lookUp(word);
   }
+  /// Words entered; their numbers run from 0.
   int size() const { return static_cast<int>(words_.size()); }
+  /// By number, as they were entered.
   std::span<const std::string_view> words() const { return words_; }
 
  private:
@@ -103,8 +107,11 @@ class TLKeyTable {
     }
   }
 
+  /// The block's name in messages.
   std::string_view recordName() const { return recordName_; }
+  /// First and second words of all rows, each once.
   std::span<const std::string_view> words() const { return words_.words(); }
+  /// In the order of testing, those of the closing names last.
   const std::vector<TLKey<Record>>& rows() const { return rows_; }
 
  private:
@@ -191,6 +198,7 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
 /// prints `failure` on a line and answers 0.
 int readVersion(std::string_view line, std::string_view failure, double& version);
 
+/// The result of an action that has read with `good` as its answer (1 or 0).
 inline TLKeyResult nextIf(int good) { return good != 0 ? TLKeyResult::next : TLKeyResult::failed; }
 
 /// Action of a value row: one typed operation of the reader into one member.
@@ -219,10 +227,11 @@ TLKeyResult skipBlock(Record& /*record*/, TLKeyContext& context) {
 /// The class and the type of a data member, from a pointer to it.
 template <class>
 struct TLMemberTraits;
+/// For data members.
 template <class Owner, class Value>
 struct TLMemberTraits<Value Owner::*> {
-  using Class = Owner;
-  using Type = Value;
+  using Class = Owner;  ///< Whose member it is.
+  using Type = Value;   ///< What it holds.
 };
 
 /// The value of a key's line: reals and words by the sink's own formatting, three reals one blank
@@ -231,6 +240,7 @@ template <class Value>
 void writeValue(TLTextSink& sink, const Value& value) {
   sink << value;
 }
+/// Three reals, one blank apart.
 inline void writeValue(TLTextSink& sink, const std::array<double, 3>& value) {
   sink << value[0] << ' ' << value[1] << ' ' << value[2];
 }

@@ -58,11 +58,14 @@ class TLTextSource {
 
   /// Number of bytes taken so far, and in all.
   std::size_t position() const { return position_; }
+  /// Bytes of the whole text.
   std::size_t size() const { return text_.size(); }
+  /// The whole text, valid as long as the source.
   std::string_view text() const { return text_; }
 
   /// Not owned; null for none. Must outlive the reading.
   void setObserver(TLReadObserver* observer) { observer_ = observer; }
+  /// Null for none.
   TLReadObserver* observer() const { return observer_; }
 
  private:

@@ -29,15 +29,20 @@ class TLTokenReader {
 
   /// @name Error state, kept for whoever wants to look after a failure.
   /// @{
+  /// "line0: wrong format".
   const RWCString& errorLine() const { return errorLine_; }
+  /// "read: " and the line.
   const RWCString& errorRead() const { return errorRead_; }
+  /// "expected: ", the key, and what should follow it.
   const RWCString& errorExpected() const { return errorExpected_; }
   std::int32_t lineNumber() const { return lineNumber_; }  ///< Always 0: lines aren't counted.
+  /// 1 until an operation has failed.
   std::int32_t good() const { return good_; }
   /// @}
 
   /// @name Stream operations. Without a stream they do nothing.
   /// @{
+  /// As TLTextSource::skipWhitespace.
   void skipWhitespace();
   /// True when the next character is "#", "!" or "*".
   int isCommentStart() const;
@@ -57,9 +62,13 @@ class TLTokenReader {
 
   /// @name Key tests.
   /// @{
+  /// Takes the tokens of `line` for all isFastToken() that follow.
   void initFastToken(std::string_view line);
+  /// True when one of them is `word`, case ignored. Before any line: false, with a complaint.
   bool isFastToken(std::string_view word) const;
+  /// True when a token of `line` is `word`, case ignored.
   static bool lineHasToken(std::string_view line, std::string_view word);
+  /// Tokens of a line, its key included.
   static int countTokens(std::string_view line);
   /// Same number of tokens, and each exactly equal.
   static bool sameTokens(std::string_view lineA, std::string_view lineB);
@@ -68,37 +77,54 @@ class TLTokenReader {
   /// @name Typed line operations.
   /// @{
   int readToggle(std::string_view line, std::int32_t& value);  ///< 1 for "yes" and "YES" only.
-  int readInteger(std::string_view line, std::int32_t& value);
-  int readFlag(std::string_view line, bool& value);
-  int readIntegers2(std::string_view line, std::int32_t& a, std::int32_t& b);
+  int readInteger(std::string_view line, std::int32_t& value);  ///< The word behind the key.
+  int readFlag(std::string_view line, bool& value);             ///< An integer; any but 0 is true.
+  int readIntegers2(std::string_view line, std::int32_t& a, std::int32_t& b);  ///< Two words.
+  /// Three words.
   int readIntegers3(std::string_view line, std::int32_t& a, std::int32_t& b, std::int32_t& c);
+  /// As readIntegers2, with another complaint.
   int readIntegerPair(std::string_view line, std::int32_t& a, std::int32_t& b);
-  int readIntegerReal(std::string_view line, std::int32_t& a, double& b);
+  int readIntegerReal(std::string_view line, std::int32_t& a, double& b);  ///< Two words.
   /// Appends as many reals as the first value says. A missing one empties the list and answers 0
   /// without a word.
   int readCountedReals(std::string_view line, std::vector<double>& list);
+  /// Four words, in single precision.
   int readFloats4(std::string_view line, float& a, float& b, float& c, float& d);
+  /// Three words.
   int readIntegers2Real(std::string_view line, std::int32_t& a, std::int32_t& b, double& c);
   /// All behind the key, outer blanks and tabs cut; may be empty.
   int readStrings(std::string_view line, RWCString& text);
-  int readString(std::string_view line, RWCString& text);
+  int readString(std::string_view line, RWCString& text);  ///< The one word behind the key.
   /// `count` values between single quotes into `results` (resized to it as they come).
   int readQuotedStrings(std::vector<RWCString>& results, int count, std::string_view line);
+  /// Two words.
   int readStringInteger(std::string_view line, RWCString& text, std::int32_t& value);
+  /// The last token is the value; all between make up the name, one blank apart.
   int readNameInteger(std::string_view line, RWCString& name, std::int32_t& value);
+  /// As readNameInteger, with a real.
   int readNameReal(std::string_view line, RWCString& name, double& value);
+  /// The value, then all further tokens as the name, one blank apart.
   int readIntegerName(std::string_view line, std::int32_t& value, RWCString& name);
+  /// One word, then all further tokens, one blank apart.
   int readStringName(std::string_view line, RWCString& text, RWCString& name);
+  /// Two words.
   int readStringPair(std::string_view line, RWCString& a, RWCString& b);
+  /// The last three tokens are the values, all between make up the name.
   int readNameVector(std::string_view line, RWCString& name, double& x, double& y, double& z);
+  /// As readNameVector, with integers.
   int readNameIndices(std::string_view line, RWCString& name, std::int32_t& i, std::int32_t& j,
                       std::int32_t& k);
-  int readReal(std::string_view line, double& value);
+  int readReal(std::string_view line, double& value);  ///< The word behind the key.
+  /// As readReal, rounded to single precision.
   int readFloat(std::string_view line, float& value);
+  /// `count` words into `values`, which must have room for them.
   int readIntegerArray(std::string_view line, int count, std::int32_t* values);
+  /// As readIntegerArray, with reals.
   int readRealArray(std::string_view line, int count, double* values);
+  /// As readIntegerArray, in single precision.
   int readFloatArray(std::string_view line, int count, float* values);
-  int readVector3(std::string_view line, double& x, double& y, double& z);
+  int readVector3(std::string_view line, double& x, double& y, double& z);  ///< Three words.
+  /// Six words: three of `a`, then three of `b`.
   int readVector3Pair(std::string_view line, double (&a)[3], double (&b)[3]);
   /// @}
 

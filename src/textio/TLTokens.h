@@ -7,6 +7,7 @@
 /// A view over the caller's line; nothing is copied.
 class TLTokens {
  public:
+  /// `line` must outlive this object.
   explicit TLTokens(std::string_view line) : line_(line) {}
 
   /// The next token, empty when there is none left.
@@ -19,6 +20,7 @@ class TLTokens {
   /// What follows the tokens taken so far, blanks included.
   std::string_view rest() const { return line_.substr(position_); }
 
+  /// True for blank, tab and new line; a carriage return belongs to its token.
   static bool isDelimiter(char c) { return c == ' ' || c == '\t' || c == '\n'; }
 
  private:

@@ -13,9 +13,9 @@
 /// One word of a closed set: how it is read (lower case), how it is written, what it means.
 template <class Code>
 struct TLWord {
-  std::string_view word;
-  std::string_view literal;
-  Code code;
+  std::string_view word;     ///< In lower case.
+  std::string_view literal;  ///< As it is written.
+  Code code;                 ///< What it means for the record.
 };
 
 /// The closed set of words that one kind of key may have as its value. The line's second token
@@ -23,8 +23,8 @@ struct TLWord {
 /// when there is no second token.
 template <class Code, std::size_t N>
 struct TLVocabulary {
-  const char* failure;
-  std::array<TLWord<Code>, N> words;
+  const char* failure;                ///< Complaint, without a new line.
+  std::array<TLWord<Code>, N> words;  ///< A code without a word is written as the first one.
 
   /// 0 when the word is missing, with its complaint on the console, else 1.
   int read(std::string_view line, Code& value) const {
