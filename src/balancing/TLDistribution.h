@@ -57,6 +57,7 @@ class TLDistribution {
   /// Between `detach` and `settle` only owner(), nbFree(), and load() of a processor that was
   /// settled since may be asked.
   /// @{
+
   /// Takes a block from its processor; the processor's sums are wrong from here on.
   void detach(std::int32_t block);
   /// Brings one processor's list and load up to date, not yet the couplings.

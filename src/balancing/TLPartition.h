@@ -60,6 +60,7 @@ class TLPartition {
   /// @name The distribution
   /// Numbers out of range answer 0.
   /// @{
+
   /// Processor of a block; 0: free.
   std::int32_t owner(std::int32_t block) const;
   /// The owners of all blocks, by block.

@@ -19,7 +19,9 @@ class TLProcessMessage : public RefCounted {
   TLProcessMessage() = default;
   /// A message whose received steering values land in `set`.
   explicit TLProcessMessage(const Handle<TLSteeringParameters>& set) : steering(set) {}
+  /// As assign().
   TLProcessMessage(const TLProcessMessage& other) : RefCounted(other) { assign(other); }
+  /// As assign().
   TLProcessMessage& operator=(const TLProcessMessage& other) {
     assign(other);
     return *this;
@@ -38,13 +40,18 @@ class TLProcessMessage : public RefCounted {
   /// be read of a refused one stays in the list, its buffer stays the active one, which the next
   /// receive frees.
   /// @{
+
+  /// Answers at once.
   bool receiveNoWait(std::int32_t tid, std::int32_t tag);
   bool receive(std::int32_t tid, std::int32_t tag);  ///< blocks
   /// @}
 
   /// @name Appending a new sub-message.
   /// @{
+
+  /// One of 32 bits.
   void addInteger(std::int32_t value);
+  /// A text of any length, without null characters.
   void addString(const RWCString& text);
   /// Values of `parameters` that are not in `known`, which may be none.
   void addSteering(const Handle<TLSteeringParameters>& parameters,
@@ -60,9 +67,9 @@ class TLProcessMessage : public RefCounted {
 
   Handle<TLSteeringParameters> steering;          ///< where received values land; may be none
   std::vector<Handle<TLSubMessage>> subMessages;  ///< in the order of the wire
-  std::int32_t tag = 1;
+  std::int32_t tag = 1;                           ///< The message's code; below 1 it can't be sent.
   std::int32_t source = -1;  ///< sender, filled on receive
-  std::int32_t destination = -1;
+  std::int32_t destination = -1;  ///< Task identifier of the receiver; -1: none.
 
  private:
   bool take(std::int32_t buffer);

@@ -9,6 +9,7 @@
 /// the process, empty until loaded.
 class TLSteeringDataBase {
  public:
+  /// The object of the process, made on first use.
   static TLSteeringDataBase& instance();
 
   /// Loads the definition file for a project type (its code) and solver mode from VELSTRA_DIR,
@@ -23,6 +24,8 @@ class TLSteeringDataBase {
   /// for it; null when the database lacks the kind or the settings.
   Handle<TLSteeringParameter> makeParameter(std::int32_t typeOpsel) const;
 
+  /// The kinds that the solver reports.
   std::vector<Handle<TLSteeringParameter>> solverParameters;
+  /// The same kinds with the settings that the user has.
   std::vector<Handle<TLSteeringParameter>> interfaceParameters;
 };

@@ -41,6 +41,7 @@ class TLSteeringParameter : public RefCounted {
   /// Abscissas (for a residual, iteration numbers) and ordinates, valueCount of each; null when no
   /// points are held. Valid until the series changes.
   const float* xValues() const { return capacity_ == 0 ? nullptr : x_.data(); }
+  /// As xValues(), for the ordinates.
   const float* yValues() const { return capacity_ == 0 ? nullptr : y_.data(); }
   /// Allocated points, in steps of 100; 0 for none.
   std::int32_t capacity() const { return capacity_; }
@@ -63,34 +64,38 @@ class TLSteeringParameter : public RefCounted {
   void readValues(std::string_view& bytes);
   /// @}
 
-  /// @name The settings, by position from 0. Access beyond the end of a list appends defaults up to
-  /// it; null for a negative position or one beyond TL_STEERING_MOST_ENTRIES.
+  /// @name The settings, by position from 0.
+  /// Access beyond the end of a list appends defaults up to it; null for a negative position or one
+  /// beyond TL_STEERING_MOST_ENTRIES.
   /// @{
+
+  /// Bound of a list, against positions from damaged files and messages.
   static constexpr int TL_STEERING_MOST_ENTRIES = 100000;
-  Handle<TLChoiceEntry> choiceEntry(int position);
-  Handle<TLRealEntry> realEntry(int position);
-  Handle<TLVectorEntry> vectorEntry(int position);
-  Handle<TLIntegerEntry> integerEntry(int position);
-  Handle<TLStringEntry> stringEntry(int position);
+  Handle<TLChoiceEntry> choiceEntry(int position);  ///< A choice: its `value` is the setting.
+  Handle<TLRealEntry> realEntry(int position);  ///< A real; goes over the wire in single precision.
+  Handle<TLVectorEntry> vectorEntry(int position);    ///< Three reals, likewise.
+  Handle<TLIntegerEntry> integerEntry(int position);  ///< A whole number.
+  Handle<TLStringEntry> stringEntry(int position);    ///< A text.
   /// @}
 
-  double version = 2.0;
+  double version = 2.0;                      ///< As read; 2.0 is what is written.
   std::int32_t type = TL_STEERING_RESIDUAL;  ///< change it with setType
-  RWCString typeName = "UNDEFINED";
+  RWCString typeName = "UNDEFINED";          ///< The kind in words.
   RWCString userName = "UNDEFINED";  ///< read, never written
-  RWCString valueUnitsName = "UNDEFINED";
+  RWCString valueUnitsName = "UNDEFINED";  ///< Name of the quantity whose units the ordinates have.
   RWCString name = "UNDEFINED";  ///< identifies the parameter in all messages
-  std::int32_t typeId = 1;
-  std::int32_t typeOpsel = 1;
+  std::int32_t typeId = 1;       ///< The kind in the database: its id
+  std::int32_t typeOpsel = 1;    ///< and its option.
   RWCString condition;  ///< read, never written
+  /// Settings; the lists are sent by kind, each in its order.
   std::vector<Handle<TLChoiceEntry>> choiceEntries;
-  std::vector<Handle<TLRealEntry>> realEntries;
-  std::vector<Handle<TLVectorEntry>> vectorEntries;
-  std::vector<Handle<TLIntegerEntry>> integerEntries;
-  std::vector<Handle<TLStringEntry>> stringEntries;
-  std::int32_t gridLevelI = 0;
-  std::int32_t gridLevelJ = 0;
-  std::int32_t gridLevelK = 0;
+  std::vector<Handle<TLRealEntry>> realEntries;        ///< Likewise.
+  std::vector<Handle<TLVectorEntry>> vectorEntries;    ///< Likewise.
+  std::vector<Handle<TLIntegerEntry>> integerEntries;  ///< Likewise.
+  std::vector<Handle<TLStringEntry>> stringEntries;    ///< Likewise.
+  std::int32_t gridLevelI = 0;  ///< Grid level along I that the values are from,
+  std::int32_t gridLevelJ = 0;  ///< along J,
+  std::int32_t gridLevelK = 0;  ///< and along K.
 
  private:
   friend struct TLSteeringParameterKeys;

@@ -33,17 +33,19 @@ class TLSteeringParameters : public RefCounted {
   /// Drops the values of all parameters.
   void clearAllValues();
 
+  /// Bound of the list, against positions from damaged files and messages.
+  static constexpr int TL_STEERING_MOST_PARAMETERS = 100000;
   /// The parameter at `position` from 0. Access beyond the end appends new ones up to it; null for
   /// a negative position or one beyond TL_STEERING_MOST_PARAMETERS.
-  static constexpr int TL_STEERING_MOST_PARAMETERS = 100000;
   Handle<TLSteeringParameter> parameter(int position);
 
   std::int32_t resetMark = 0;  ///< the solver has reset its steering since the last answer upwards
   RWCString name = "unknown";  ///< path of the steering file; "unknown": none
+  /// A position in the list is the one of messages.
   std::vector<Handle<TLSteeringParameter>> parameters;
-  float version = 0.0F;
+  float version = 0.0F;            ///< As read; 1.0 is what is written.
   std::int32_t updateInBatch = 0;  ///< 1: the set is never saved
-  std::int32_t modified = 0;
+  std::int32_t modified = 0;       ///< Not 0: changed since the last save.
 
  private:
   int writeBinary(std::string_view path) const;

@@ -16,10 +16,11 @@ class TLSubMessageArray : public TLSubMessage {
  public:
   /// False for a count of 0, too.
   bool unpack() override;
+  /// The count, then all values.
   bool pack() const override;
 
-  T* values = nullptr;
-  std::int32_t count = 0;
+  T* values = nullptr;     ///< What is sent; after unpack(), what was received.
+  std::int32_t count = 0;  ///< Elements of `values`; for T of 4 or 8 bytes, as the wire has them.
 
  private:
   std::shared_ptr<T[]> received_;

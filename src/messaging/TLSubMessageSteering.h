@@ -16,7 +16,7 @@ class TLSubMessageSteering : public TLSubMessage {
   bool pack() const override;
   std::int32_t type() const override { return 8; }
 
-  Handle<TLSteeringParameters> parameters;
+  Handle<TLSteeringParameters> parameters;  ///< Sent or filled; null for none.
   /// What the receiver holds, by position, the value counts being last iterations; may be none.
   Handle<TLSteeringParameters> known;
 };

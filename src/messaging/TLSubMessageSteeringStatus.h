@@ -14,5 +14,5 @@ class TLSubMessageSteeringStatus : public TLSubMessage {
   bool pack() const override;
   std::int32_t type() const override { return 10; }
 
-  Handle<TLSteeringParameters> parameters;
+  Handle<TLSteeringParameters> parameters;  ///< Sent, or a set made by unpack(); null for none.
 };

@@ -96,6 +96,7 @@ class TLHostForm {
 
   /// @name Files.
   /// @{
+
   /// True when a file or directory of this name exists and may be read.
   virtual bool canRead(std::string_view path) const = 0;
   /// True when the name itself is a symbolic link, wherever that leads.
@@ -134,6 +135,7 @@ class TLHostForm {
 
   /// @name The user and the machine.
   /// @{
+
   /// The user's own directory, without a separator at its end.
   virtual std::string homeDirectory() const = 0;
   /// The virtual machine's word for this host's architecture ("LINUX64"; win32: "win32").

@@ -67,6 +67,7 @@ class TLKeptBlock : public RefCounted {
 
   /// @name Values of the block's own lines. `field` counts in the form's table.
   /// @{
+
   /// True when a line of the block itself has one of the field's keys.
   bool hasField(std::size_t field) const;
   /// All behind the key, outer blanks cut; empty without such a line.

@@ -32,10 +32,13 @@ class ArgStream {
   virtual void readIntegers(std::vector<std::int32_t>& values) = 0;
   /// A whole number in base 10; other text and numbers that don't fit fail.
   virtual void readInteger64(std::int64_t& value) = 0;
+  /// As readInteger64, within 32 bits.
   virtual void readInteger(std::int32_t& value) = 0;
   /// The number that the word begins with, 0 for other text; never fails.
   virtual void readLeadingInteger(std::int32_t& value) = 0;
+  /// As readDouble, rounded to single precision.
   virtual void readFloat(float& value) = 0;
+  /// The real that the word begins with, 0 for other text; never fails.
   virtual void readDouble(double& value) = 0;
   /// A word of exactly one character.
   virtual void readCharacter(char& value) = 0;

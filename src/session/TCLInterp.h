@@ -10,6 +10,7 @@ class TCLInterp {
   TCLInterp(const TCLInterp&) = delete;
   TCLInterp& operator=(const TCLInterp&) = delete;
 
+  /// The interpreter, for calls of the script library; lives as long as this object.
   Tcl_Interp* get() const { return interp_; }
 
  private:

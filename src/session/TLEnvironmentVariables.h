@@ -23,5 +23,7 @@ class TLEnvironmentVariables {
     RWCString product;  ///< "mire", "bramosh", ...
     RWCString version;  ///< what follows the product's name in the path; may be empty
   };
+  /// The last part of the path that begins with a product's name tells both, case ignored. Without
+  /// one: the first product, with the path up to "bin" as its version.
   static Installation installationOf(const RWCString& executablePath, char separator);
 };

@@ -34,13 +34,17 @@ class TkSession {
 
   /// @name The script's global variables: `name`, or element `element` of the array `name`.
   /// @{
+
+  /// True when the variable is set; an unset element of a set array is none.
   bool hasVariable(const char* name, const char* element = nullptr) const;
   /// Sets the variable, or appends to its text.
   void setVariable(const char* name, const char* element, const RWCString& value,
                    bool append = false) const;
   /// @}
 
+  /// 1 once the last window has gone.
   std::int32_t done() const { return done_; }
+  /// The interpreter; lives as long as the session.
   Tcl_Interp* interp() const { return interp_->get(); }
 
   /// The session of this process, null for none.
@@ -57,9 +61,10 @@ class TkSession {
   std::unique_ptr<TCLInterp> interp_;
 };
 
-/// Switches of the process: `gNoTk` stops the making of a session before Tk is touched and makes
-/// evalScript answer 1 without evaluating; `gNoEval` does the latter for evalScript and sourceFile.
+/// Switch of the process: true stops the making of a session before Tk is touched and makes
+/// evalScript answer 1 without evaluating.
 extern bool gNoTk;
+/// Switch of the process: true makes evalScript and sourceFile answer 1 without evaluating.
 extern bool gNoEval;
 
 /// Evaluates a script file as evalScript does a text. 0 without a session.

@@ -29,6 +29,7 @@ class TLTokenReader {
 
   /// @name Error state, kept for whoever wants to look after a failure.
   /// @{
+
   /// "line0: wrong format".
   const RWCString& errorLine() const { return errorLine_; }
   /// "read: " and the line.
@@ -42,6 +43,7 @@ class TLTokenReader {
 
   /// @name Stream operations. Without a stream they do nothing.
   /// @{
+
   /// As TLTextSource::skipWhitespace.
   void skipWhitespace();
   /// True when the next character is "#", "!" or "*".
@@ -62,6 +64,7 @@ class TLTokenReader {
 
   /// @name Key tests.
   /// @{
+
   /// Takes the tokens of `line` for all isFastToken() that follow.
   void initFastToken(std::string_view line);
   /// True when one of them is `word`, case ignored. Before any line: false, with a complaint.
