@@ -120,7 +120,7 @@ class TLLoadBalancing : public RefCounted {
   std::int32_t queuingSystemActivated = 0;     ///< 0 none, 1 SGE, 2 PBS, 3 LSF.
   RWCString queuingSystemQueue = "Undefined";  ///< Queue or parallel environment.
   RWCString queuingTemplate = "default_ompi";  ///< Name of the job script's template.
-  std::int32_t compilerChoice = 0;             ///< Carried, without effect here.
+  std::int32_t compilerChoice = 0;             ///< 2: the "_mpich2" builds of the solver.
   std::int32_t automaticLoadBalancing = 1;     ///< 1: balance() may distribute the blocks.
   std::int32_t adjustProcessors = 1;  ///< 1: the balance may lower the number of processors.
 
