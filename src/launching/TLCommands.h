@@ -44,7 +44,10 @@ const TLCopyReport& lastCopyReport();
 
 /// @name Local files. What fails in a copy or a move isn't told.
 /// @{
+
+/// Copies a file; an existing one is replaced.
 void copyLocal(const RWCString& src, const RWCString& dst);
+/// Moves or renames a file; an existing one is replaced.
 void moveLocal(const RWCString& src, const RWCString& dst);
 /// 1 when the file was removed; 0, with the reason on standard output, when it can't be written.
 int removeLocal(const RWCString& path);

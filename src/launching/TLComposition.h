@@ -57,6 +57,8 @@ RWCString nameBatchFile(TLLaunchDraft& draft);
 /// The last changes of `spawnArguments`: no display wanted, the first word of "mpirun.exe".
 void finishSpawnArguments(TLLaunchDraft& draft);
 
+/// How the process is started, by the kind of the step and its settings; `none` for a step without
+/// one.
 TLStartWay startWay(const TLLaunchDraft& draft);
 /// The host on which the process is started.
 RWCString startHost(const TLLaunchDraft& draft, const TLLaunchSite& site);

@@ -16,9 +16,9 @@ struct TLProgramChoice {
   RWCString executable;  ///< as the task file gives it
   bool win32 = false;    ///< kind of the host that the step runs on
   bool use64 = true;     ///< the 64-bit programs are installed (a Windows host), see findBin64
-  bool parallel = false;
+  bool parallel = false;  ///< A parallel run is wanted.
   bool queued = false;  ///< started by a queuing system
-  std::int32_t mpiSgi664 = 0;
+  std::int32_t mpiSgi664 = 0;          ///< Not 0: the builds for the MPI of SGI.
   std::int32_t mpiType = 2;            ///< 1 Intel MPI, else the default family
   std::int32_t compilerChoice = 0;     ///< 2: the "_mpich2" builds
   std::int32_t precision = 0;          ///< 0 single, 1 double, else the name stays
@@ -50,8 +50,11 @@ RWCString structuredSolverPath(const TLProgramChoice& choice, const RWCString& b
                                char separator);
 /// The path that may be corrected once the run file is known.
 RWCString defaultSolverPath(const RWCString& binDirectory, char separator);
+/// The structured solver in double precision.
 RWCString doubleSolverPath(const RWCString& binDirectory, char separator);
+/// The unstructured solver by the run file's word for its precision.
 RWCString unstructuredSolverPath(const TLProgramChoice& choice, const RWCString& binDirectory,
                                  char separator);
+/// The shape optimiser.
 RWCString sculptPath(const RWCString& binDirectory, char separator);
 /// @}

@@ -13,7 +13,8 @@ class TLJobQueue {
 
   /// @name Answers of submit besides 0.
   /// @{
-  static constexpr int kNothingToSubmit = -29;
+  static constexpr int kNothingToSubmit = -29;  ///< No such queuing system, or no script.
+  /// The files did not get to the step's host.
   static constexpr int kCopyFailed = -100;
   /// @}
 

@@ -21,7 +21,7 @@ struct TLJobScriptValues {
   RWCString runFile;      ///< as the job will find it
   RWCString precision;    ///< "sp", "hp", "dp" or empty
   RWCString queue;        ///< queue or parallel environment
-  std::int32_t processors = 1;
+  std::int32_t processors = 1;  ///< To ask for, at least 1; see jobSlots().
   RWCString executable;  ///< decides on the slots
   RWCString number;      ///< behind the "comp" of the job's name
 };

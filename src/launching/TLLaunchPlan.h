@@ -30,12 +30,12 @@ struct TLMappedPath {
 /// What a launch of one step would do, without doing any of it: the dry run. Nothing is started and
 /// no file is changed; the words are those of a later launch from the same files.
 struct TLLaunchPlan {
-  TLStartWay way = TLStartWay::none;
+  TLStartWay way = TLStartWay::none;  ///< `none` also for a step that the task file disables.
   RWCString host;      ///< on which the process is started
   RWCString farHost;   ///< the step's host and login as copies have them
   bool win32 = false;  ///< kind of the step's host
-  RWCString program;
-  std::vector<RWCString> words;
+  RWCString program;   ///< Its name as it is given to whoever starts it.
+  std::vector<RWCString> words;            ///< Its arguments, one a word, without the program.
   RWCString runFile;                       ///< of a flow solver; empty for none
   std::vector<TLLaunchFile> written;       ///< files made here; `text` empty where it is a record's
   std::vector<RWCString> carried;          ///< local files that go to the host first

@@ -10,8 +10,9 @@
 /// Where the computation of a task lies; joined they name its run file.
 struct TLComputationPlace {
   RWCString directory;  ///< with its closing separator
-  RWCString fileName;
+  RWCString fileName;   ///< Without directory.
 
+  /// Of the run file.
   RWCString path() const { return directory + fileName; }
 };
 

@@ -14,14 +14,21 @@ bool isSolver(const RWCString& executable);
 bool isFwh(const RWCString& executable);
 /// The structured mesher.
 bool isMesher(const RWCString& executable);
+/// The post-processor ("sorvit").
 bool isPostProcessor(const RWCString& executable);
 /// The shape optimiser.
 bool isSculpt(const RWCString& executable);
+/// The hybrid mesher ("bramoshhybrid").
 bool isHybridMesher(const RWCString& executable);
+/// The structural solver ("oofelie") and the scripts that start it.
 bool isOofelie(const RWCString& executable);
+/// A tool that is started under its plain name on every host, as are the next three.
 bool isTessaly(const RWCString& executable);
+/// The mesher's converter of files ("bramoshfileconvert").
 bool isFileConvert(const RWCString& executable);
+/// The mesher "bramosh".
 bool isBramosh(const RWCString& executable);
+/// The interface program "mire".
 bool isMire(const RWCString& executable);
 /// Steps of the marine chain, which report through the status file.
 bool isMarineStep(const RWCString& name);

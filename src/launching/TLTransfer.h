@@ -19,9 +19,14 @@ class TLTransfer {
 
   /// @name Afterwards; answers as in taskengine/TLLauncher.h.
   /// @{
+
+  /// Any step.
   virtual int retrieveResults(TLSubTask& step) = 0;
+  /// An unstructured run.
   virtual int retrieveHexa_(TLSubTask& step) = 0;
+  /// Nothing is brought back.
   virtual void removeRemoteDir(TLSubTask& step) = 0;
+  /// The shape optimiser.
   virtual int removeRemoteResults(TLSubTask& step) = 0;
   /// @}
 };

@@ -18,7 +18,7 @@ class TLProcessArguments;
 /// One host of the virtual machine.
 struct TLVirtualMachineHost {
   std::int32_t tid = 0;  ///< of the host's daemon
-  RWCString name;
+  RWCString name;        ///< As the host file or the console named it.
   RWCString arch;          ///< "WIN32" for a Windows host
   std::int32_t speed = 0;  ///< relative speed
   std::int32_t dsig = 0;   ///< data signature
@@ -26,14 +26,15 @@ struct TLVirtualMachineHost {
 
 /// @name Answers of TL_virtual_machine_status, as PVM 3.4 (pvm3.h) defines them.
 /// @{
-constexpr std::int32_t kVirtualMachineOk = 0;
-constexpr std::int32_t kVirtualMachineNoTask = -31;
+constexpr std::int32_t kVirtualMachineOk = 0;          ///< The task lives.
+constexpr std::int32_t kVirtualMachineNoTask = -31;    ///< There is no such task.
 constexpr std::int32_t kVirtualMachineNoAnswer = -14;  ///< no virtual machine answers
 /// @}
 
 /// @name Answers of TL_virtual_machine_spawn that have a meaning of their own.
 /// @{
-constexpr std::int32_t kVirtualMachineNoHost = -6;
+constexpr std::int32_t kVirtualMachineNoHost = -6;  ///< The host isn't in the machine.
+/// The program isn't there.
 constexpr std::int32_t kVirtualMachineNoFile = -7;
 /// @}
 
@@ -108,27 +109,40 @@ void TL_virtual_machine_catchout(std::FILE* stream);
 
 /// @name The send buffer, one per process: initialise, pack in order, send.
 /// @{
+
+/// Empties it, for data in the encoding of all hosts (XDR). A truth value, as all below.
 int TL_virtual_machine_init_send_buffer();
+/// Appends `count` integers of 32 bits.
 int TL_virtual_machine_pack_int(const std::int32_t* values, std::int32_t count);
+/// Appends `count` IEEE reals of 32 bits.
 int TL_virtual_machine_pack_float(const float* values, std::int32_t count);
+/// Appends `count` IEEE reals of 64 bits.
 int TL_virtual_machine_pack_double(const double* values, std::int32_t count);
+/// Appends a text up to its first null character.
 int TL_virtual_machine_pack_string(const RWCString& text);
+/// Sends what was packed; that nobody receives it isn't noticed.
 int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag);
 /// @}
 
 /// @name Receiving. A buffer id is above 0; 0 means nothing there, or an error.
 /// @{
 std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag);  ///< blocks
+/// Answers at once.
 std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t tag);
 /// True when the last receive without waiting found no virtual machine to ask.
 bool TL_virtual_machine_lost();
+/// Sender and tag of a received message. A truth value, as all unpacking.
 int TL_virtual_machine_buffer_info(std::int32_t buffer, std::int32_t& source, std::int32_t& tag);
 /// Bytes of the active receive buffer, the bound of every count and length that it may announce; 0
 /// when there is none.
 std::int32_t TL_virtual_machine_message_size();
+/// Lets a received message go.
 int TL_virtual_machine_free_buffer(std::int32_t buffer);
+/// Takes one integer of 32 bits from the active receive buffer.
 int TL_virtual_machine_unpack_int(std::int32_t* value);
+/// Takes one real of 64 bits.
 int TL_virtual_machine_unpack_double(double* value);
+/// Takes `count` reals of 32 bits into `values`, which must have room for them.
 int TL_virtual_machine_unpack_float(float* values, std::int32_t count);
 /// A string of at most `length` bytes, terminator not counted.
 int TL_virtual_machine_unpack_message_buffer(RWCString& text, std::int32_t length);

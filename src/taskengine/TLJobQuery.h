@@ -9,7 +9,7 @@ enum class TLJobState { unknown, running, finished };
 
 /// An answer of a queuing system about one job.
 struct TLJobAnswer {
-  TLJobState state = TLJobState::unknown;
+  TLJobState state = TLJobState::unknown;  ///< Unknown when the answer doesn't tell.
   RWCString said;  ///< the line that decided; else the first one of the answer, "nothing" for none
   RWCString word;  ///< the queuing system's own word for the job's state; empty when it says none
   bool odd = false;  ///< not the answer of a queue that knows the job: worth telling the user
@@ -23,7 +23,11 @@ TLJobAnswer queryJob(std::int32_t kind, std::int32_t job, const RWCString& host,
 
 /// @name Reading of each system's answer to the query.
 /// @{
+
+/// By the listing of "qstat -j".
 TLJobAnswer sgeJobState(const RWCString& answer);
+/// By the line of `job` in the listing of "qstat -J".
 TLJobAnswer pbsJobState(const RWCString& answer, std::int32_t job);
+/// By the listing of "bjobs".
 TLJobAnswer lsfJobState(const RWCString& answer);
 /// @}

@@ -13,7 +13,9 @@ class TLLauncher {
   /// @name Starts: 0 when the process was started, otherwise the code of the failure.
   /// @{
   virtual int startStep(TLSubTask& step) = 0;  ///< also -100: the copy to the host failed
+  /// A step of the marine chain.
   virtual int startMarineStep(TLSubTask& step) = 0;
+  /// The step "PROBES2QVK".
   virtual int startProbesTool(TLSubTask& step) = 0;
   /// @}
 

@@ -8,7 +8,7 @@ class TLSubTask;
 
 /// Where a step of the marine chain stands in the status file.
 struct TLMarineStatus {
-  RWCString block;
+  RWCString block;  ///< Of the status file, as its first line names it.
   RWCString path;  ///< of a file beside the status file
 };
 

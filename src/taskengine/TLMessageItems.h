@@ -17,21 +17,25 @@ inline const RWCString* textOf(const TLSubMessage& item) {
   return &static_cast<const TLSubMessageString&>(item).text;
 }
 
+/// Number in a sub-message, none when it isn't an integer.
 inline std::optional<std::int32_t> integerOf(const TLSubMessage& item) {
   constexpr std::int32_t kInteger = 1;
   if (item.type() != kInteger) return std::nullopt;
   return static_cast<const TLSubMessageInteger&>(item).value;
 }
 
+/// Text of the first sub-message; null without.
 inline const RWCString* firstText(const TLProcessMessage& message) {
   return message.subMessages.empty() ? nullptr : textOf(*message.subMessages.front());
 }
 
+/// Number in the first sub-message; none without.
 inline std::optional<std::int32_t> firstInteger(const TLProcessMessage& message) {
   if (message.subMessages.empty()) return std::nullopt;
   return integerOf(*message.subMessages.front());
 }
 
+/// Number in the last sub-message; none without.
 inline std::optional<std::int32_t> lastInteger(const TLProcessMessage& message) {
   if (message.subMessages.empty()) return std::nullopt;
   return integerOf(*message.subMessages.back());

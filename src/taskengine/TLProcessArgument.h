@@ -14,21 +14,27 @@
 class TLProcessArgument : public RefCounted {
  public:
   TLProcessArgument() = default;
+  /// An option with its value; nothing is said of a local file.
   TLProcessArgument(RWCString type, RWCString value)
       : type_(std::move(type)), value_(std::move(value)) {}
 
   /// Copies all fields of `other`.
   void assign(const TLProcessArgument& other) { *this = other; }
 
+  /// The option word, "none" or empty.
   const RWCString& type() const { return type_; }
+  /// What belongs to it; may be empty.
   const RWCString& value() const { return value_; }
+  /// Replaces the option word.
   void setType(const RWCString& type) { type_ = type; }
+  /// Replaces what belongs to it.
   void setValue(const RWCString& value) { value_ = value; }
 
   /// 1 when the task file said something of localFile.
   std::int32_t hasLocalFile() const { return hasLocalFile_; }
   /// 1 when the value names a local file, which has to go along to a remote host.
   std::int32_t localFile() const { return localFile_; }
+  /// Says 1 or 0 of localFile(), and that it was said.
   void setLocalFile(std::int32_t localFile) {
     hasLocalFile_ = 1;
     localFile_ = localFile;
@@ -43,8 +49,8 @@ class TLProcessArgument : public RefCounted {
   /// Writes the lines between the block's begin and end.
   void write(TLTextSink& stream) const;
 
-  RWCString type_;
-  RWCString value_;
-  std::int32_t hasLocalFile_ = 0;
-  std::int32_t localFile_ = 0;
+  RWCString type_;                 ///< See type().
+  RWCString value_;                ///< See value().
+  std::int32_t hasLocalFile_ = 0;  ///< See hasLocalFile().
+  std::int32_t localFile_ = 0;     ///< See localFile().
 };

@@ -18,7 +18,9 @@ class TLProcessArguments : public RefCounted {
   /// with empty type; one with "-" a type, with the next word as its value unless that has a "-",
   /// too.
   TLProcessArguments(int argc, const char* const* argv);
+  /// As assign().
   TLProcessArguments(const TLProcessArguments& other) : RefCounted(other) { assign(other); }
+  /// As assign().
   TLProcessArguments& operator=(const TLProcessArguments& other) {
     assign(other);
     return *this;
@@ -31,16 +33,22 @@ class TLProcessArguments : public RefCounted {
   /// stays.
   int find(const RWCString& type, RWCString& value) const;
 
+  /// Entries, not words.
   std::int32_t count() const { return static_cast<std::int32_t>(entries_.size()); }
   /// `i` must be below count().
   const Handle<TLProcessArgument>& at(std::int32_t i) const { return entries_[i]; }
+  /// Shares an entry, which must not be null.
   void append(const Handle<TLProcessArgument>& argument) { entries_.push_back(argument); }
+  /// Adds a new entry.
   void append(const RWCString& type, const RWCString& value) {
     entries_.push_back(makeHandle<TLProcessArgument>(type, value));
   }
+  /// Drops all entries; shared ones live on.
   void clear() { entries_.clear(); }
 
+  /// The list itself, to be changed freely.
   std::vector<Handle<TLProcessArgument>>& entries() { return entries_; }
+  /// The list, in the order of the command line.
   const std::vector<Handle<TLProcessArgument>>& entries() const { return entries_; }
 
   /// Empties the list and reads the lines behind "TL_BEGIN process_arguments", its end included.

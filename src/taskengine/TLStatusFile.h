@@ -15,6 +15,7 @@
 /// Answers of readStatusEntry when there is no value.
 /// @{
 constexpr const char* kStatusFileAbsent = "file_absence";
+/// The file lacks the entry.
 constexpr const char* kStatusEntryNotFound = "not_found";
 /// @}
 

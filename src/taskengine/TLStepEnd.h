@@ -29,8 +29,8 @@ struct TLStepEnd {
     needless,         ///< there was nothing to do for it
   };
 
-  Kind kind = Kind::process;
-  RWCString detail;
+  Kind kind = Kind::process;  ///< As last noted.
+  RWCString detail;           ///< What goes with the kind; empty for none.
   bool announced = false;  ///< its end message came
   bool crashed = false;    ///< it is one that announces its end, and didn't
   /// As the wait of a UNIX system answers it; none when nobody told. Of several processes that of
@@ -38,7 +38,7 @@ struct TLStepEnd {
   std::optional<std::int32_t> waitStatus;
   /// The kernel ended processes for want of memory while it ran.
   bool memoryWasShort = false;
-  RWCString host;
+  RWCString host;      ///< Of the step.
   RWCString errors;    ///< what it had reported by messages 8, joined
   RWCString lastLine;  ///< of its output
   RWCString log;       ///< where its output stands; empty for nowhere

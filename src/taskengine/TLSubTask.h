@@ -59,6 +59,8 @@ class TLSubTask : public RefCounted {
 
   /// @name Virtual operations, in the order of their slots.
   /// @{
+
+  /// Leaves its processes running.
   ~TLSubTask() override;
   /// Makes this a copy of `other` for a new run: identity, host, arguments and settings are copied,
   /// everything that belongs to a run starts anew.
@@ -88,7 +90,9 @@ class TLSubTask : public RefCounted {
 
   /// "pending", "running", ... ; "not a correct status" for any other number.
   RWCString statusWord() const;
+  /// True for a status that a run doesn't leave any more.
   bool isTerminal() const { return status >= FinishedOk && status <= Stopped; }
+  /// True when a queuing system is asked to run the step, whichever it is.
   bool isQueued() const { return loadBalancing.queuingSystemActivated != 0; }
   /// The one place that learns the truth about the step: asks the queuing system, the status file
   /// or the virtual machine, changes `status` accordingly and answers true while the step runs.
@@ -100,17 +104,23 @@ class TLSubTask : public RefCounted {
 
   /// Null when `position` is outside.
   Handle<TLProcessArgument> argument(std::int32_t position) const;
+  /// Null when `position` is outside.
   Handle<TLProcessArgument> spawnArgument(std::int32_t position) const;
   /// 0 when `position` is outside.
   std::int32_t child(std::int32_t position) const;
+  /// 0 when `position` is outside.
   std::int32_t parent(std::int32_t position) const;
+  /// 0 when none was reported; also the key of the process's semaphores.
   std::int32_t firstProcessId() const;
+  /// Appends `tid` unless it is there already.
   void addChild(std::int32_t tid);
+  /// Appends `id` unless it is there already.
   void addProcessId(std::int32_t id);
   /// Enters a parent with the present `steeringDirty`; nothing changes when it is there already.
   void addParent(std::int32_t tid);
   /// The owning task; prints a warning when there is none.
   Handle<TLTask> parentTask() const;
+  /// Shares `task`, which then can't go before this lets it go; null lets it go.
   void setParentTask(TLTask* task);
   /// @}
 
@@ -149,43 +159,47 @@ class TLSubTask : public RefCounted {
   /// @{
   TLProcessMessage finishMessage;  ///< end message kept; its tag is a state, see above
   TLProcessMessage errorLines;     ///< texts of message 8, the lines of a crash report
-  TLLoadBalancing loadBalancing;
+  TLLoadBalancing loadBalancing;   ///< Processes, distribution and queue of a parallel run.
   TLProcessArguments spawnArguments;  ///< command line as last composed at launch
+  /// Numbers that the processes reported of themselves (message 20).
   std::vector<std::int32_t> processIds;
+  /// Task identifiers of its processes; a queued step's job number.
   std::vector<std::int32_t> children;
-  std::vector<std::int32_t> parents;
+  std::vector<std::int32_t> parents;  ///< Those to whom it reports; 0 stands for none.
   /// In step with `parents`: 1 when that parent lacks the current steering values.
   std::vector<std::int32_t> parentSteeringDirty;
-  std::int32_t steeringDirty = 0;
+  std::int32_t steeringDirty = 0;  ///< 1 from a message 15 until the steering was next sent.
   RWCString remoteLogin;  ///< empty: the same user
-  std::vector<Handle<TLProcessMessage>> inbox;
-  Handle<TLSteeringParameters> steering;
+  std::vector<Handle<TLProcessMessage>> inbox;  ///< Received, not yet handled.
+  Handle<TLSteeringParameters> steering;        ///< Never null but after applyNewSteering(null).
   TLProcessArguments arguments;      ///< as the task file gives them
   RWCString executable = "unknown";  ///< program, without directory
-  RWCString hostName = "unknown";
-  std::int32_t isWin32Host = 1;
+  RWCString hostName = "unknown";    ///< As the virtual machine's table has it.
+  std::int32_t isWin32Host = 1;      ///< 1 also for a host that the table lacks.
   RWCString remoteTmpDir;          ///< where run directories are made on a remote host
   RWCString remoteRunDir;          ///< the one made for this run; empty for none
   RWCString name = "unknown";      ///< kind of the step
   std::int32_t startingDate = -1;  ///< -1 at once, -2 after `startAfterTask`
-  std::int32_t endingDate = -1;
-  std::int32_t status = Pending;
+  std::int32_t endingDate = -1;    ///< Carried, without effect here.
+  std::int32_t status = Pending;   ///< A Status.
   std::int32_t stopRequest = 0;  ///< 1 after the script asked a marine solver to stop by file
   std::int32_t waitingTask = 1;  ///< 1 waits for all steps before it, 0 runs beside them
-  std::int32_t automaticMemoryEstimation = 1;
+  std::int32_t automaticMemoryEstimation = 1;  ///< 1: the solver sizes its memory itself. Carried.
   std::int32_t userSolverPrecision = 0;  ///< 0 single, 1 double
-  std::int64_t integerSize = 1000000;
-  std::int64_t realSize = 1000000;
+  std::int64_t integerSize = 1000000;    ///< Integers that a solver makes room for. Carried.
+  std::int64_t realSize = 1000000;       ///< Reals likewise. Carried.
   std::int32_t index = 0;  ///< place in the task, from 0, set at its start
-  std::int32_t steeringAsked = 0;
-  RWCString startAfterTask;
-  VPartParameters virtualPartition;
+  std::int32_t steeringAsked = 0;    ///< 1 once a solver asked for its settings (message 14).
+  RWCString startAfterTask;          ///< Name of the task to wait for; empty for none.
+  VPartParameters virtualPartition;  ///< Settings of the solver's own partition of the mesh.
   std::int32_t enabled = 1;  ///< 0: start() finishes the step at once
+  /// Of the performance curve. Carried.
   RWCString perfCurveName = "unknown";
   /// @}
 
   /// @name Why the step ended; not part of the record's file.
   /// @{
+
   /// Notes what ended the step. What is noted later counts, up to explainEnd.
   void noteEnd(TLStepEnd::Kind kind, const RWCString& detail = {});
   /// Notes that it is being stopped: on the order of an interface, or of the user at the window.

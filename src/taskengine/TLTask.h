@@ -24,8 +24,11 @@ class TLTask : public TLSubTask {
 
   /// Null when `position` is outside.
   TLSubTask* subTask(std::int32_t position) const;
+  /// Positions of steps run from 0 to below this.
   std::int32_t subTaskCount() const { return static_cast<std::int32_t>(subTasks.size()); }
+  /// Appends a step and makes this its parent task.
   void addSubTask(const Handle<TLSubTask>& step);
+  /// Lets all steps go; those held elsewhere are then without a parent task.
   void clearSubTasks();
   /// Reads the task file `path`; 0 also when it can't be opened.
   int readFile(const RWCString& path);
@@ -44,11 +47,11 @@ class TLTask : public TLSubTask {
 
   std::vector<Handle<TLSubTask>> subTasks;  ///< in file order
   RWCString fileName;                       ///< task file last read
-  std::int32_t temporary = 0;
-  std::int32_t applyToAllSubtasks = 0;
-  std::int32_t taskType = 0;
-  RWCString localComputationPath;
-  RWCString computationFileName;
+  std::int32_t temporary = 0;               ///< Carried, without effect here, as are the next two.
+  std::int32_t applyToAllSubtasks = 0;      ///< Carried.
+  std::int32_t taskType = 0;                ///< Carried.
+  RWCString localComputationPath;           ///< Directory of the computation on this host.
+  RWCString computationFileName;            ///< Run file in it, without directory.
 
  private:
   void deduceComputationPath();

@@ -8,8 +8,8 @@
 
 /// What "tlctl balance" is asked for.
 struct TLBalanceOptions {
-  std::string runFile;
-  std::int32_t processors = 0;
+  std::string runFile;            ///< Path of a run file or a project file.
+  std::int32_t processors = 0;    ///< To distribute over; at least 1.
   std::int32_t adjust = 1;        ///< 1: the number of processors may be lowered
   bool json = false;              ///< one JSON object instead of the trace
   bool summary = false;           ///< a table instead of the trace

@@ -18,7 +18,7 @@ class TLBraillePlot {
 
   /// Room below which nothing is drawn.
   static constexpr int kLeastColumns = 24;
-  static constexpr int kLeastRows = 5;
+  static constexpr int kLeastRows = 5;  ///< In characters, as are the columns.
 
  private:
   struct Cell {

@@ -11,8 +11,8 @@ class App;
 
 /// One command of tlctl: its place on the command line and what it does.
 struct TLCommand {
-  std::string_view name;
-  std::string_view summary;
+  std::string_view name;                   ///< What the user types.
+  std::string_view summary;                ///< One line for the list of commands.
   std::vector<std::string_view> examples;  ///< shown first by --help
   /// Declares the command's options on `app` and answers what runs it, with one of TLExitCode.
   std::function<std::function<int()>(CLI::App& app)> define;

@@ -24,7 +24,9 @@ class TLCommandLine {
   /// Parses alone: none when all is well, else the exit code; everything has been said then.
   std::optional<int> parse(int argc, const char* const* argv);
 
+  /// The parser, with all commands; lives as long as this object.
   CLI::App& app() { return *app_; }
+  /// In the order of the help.
   const std::vector<TLCommand>& commands() const { return commands_; }
 
  private:

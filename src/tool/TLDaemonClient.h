@@ -19,7 +19,7 @@ struct TLEndReport {
 /// back. Everything waits with a deadline; nothing throws.
 class TLDaemonClient {
  public:
-  using Seconds = std::chrono::duration<double>;
+  using Seconds = std::chrono::duration<double>;  ///< How long an operation waits at most.
 
   /// Talks to the daemon `tid`.
   explicit TLDaemonClient(std::int32_t tid) : tid_(tid) {}
@@ -27,6 +27,7 @@ class TLDaemonClient {
   /// Enrols this process in the virtual machine. False when there is none.
   static bool enrol();
 
+  /// Task identifier of the daemon.
   std::int32_t tid() const { return tid_; }
   /// False once the virtual machine no longer knows the daemon.
   bool alive() const;
@@ -53,9 +54,11 @@ class TLDaemonClient {
 
   /// Sends a message with no, or one integer, sub-message.
   bool send(std::int32_t code);
+  /// The same with one integer.
   bool send(std::int32_t code, std::int32_t value);
   /// Sends, then waits for an answer of code `answer`.
   bool ask(std::int32_t code, std::int32_t answer, Seconds patience);
+  /// The same with one integer in the question.
   bool ask(std::int32_t code, std::int32_t value, std::int32_t answer, Seconds patience);
   /// Sends the settings of a steering set, whose name must be the path by which the task knows it.
   bool sendSettings(const Handle<TLSteeringParameters>& set);

@@ -9,6 +9,7 @@
 /// Finds the daemons of this user by their state files.
 class TLDaemonFinder {
  public:
+  /// `userDirectory` is where the daemons of this user put their state files.
   explicit TLDaemonFinder(std::string userDirectory) : userDirectory_(std::move(userDirectory)) {}
 
   /// All runs with a state file, those of killed daemons included, oldest first.

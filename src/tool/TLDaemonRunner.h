@@ -25,7 +25,9 @@ class TLDaemonRunner {
   /// Ends what start() brought up: the display, and the machine when no other daemon is in it.
   void stop();
 
+  /// Task identifier of the daemon; 0 before start().
   std::int32_t tid() const { return tid_; }
+  /// Full path of the file that readTask() took.
   const std::string& taskFile() const { return taskFile_; }
   /// The run before its start: what the task file says of it.
   const TLRunState& run() const { return run_; }

@@ -13,13 +13,14 @@ struct TLFileRemark {
   std::size_t line = 0;    ///< from 1; 0 when it is about the whole file
   std::size_t column = 0;  ///< from 1, where the caret goes
   std::string text;        ///< the line as it stands
-  std::string message;
+  std::string message;     ///< What is wrong, or probably meant.
 };
 
 /// Watches the reading of one file and collects faults and lines that were passed over in silence,
 /// with the word that was probably meant.
 class TLFileReport : public TLReadObserver {
  public:
+  /// `fileName` stands in front of each remark.
   explicit TLFileReport(std::string fileName);
 
   void passedOver(const TLTextSource& source, std::string_view line, std::string_view record,
@@ -36,8 +37,11 @@ class TLFileReport : public TLReadObserver {
   /// A remark on the file as a whole.
   void add(bool isFault, std::string message);
 
+  /// True when one of the remarks is a fault.
   bool hasFault() const;
+  /// In the order of the reading.
   const std::vector<TLFileRemark>& remarks() const { return remarks_; }
+  /// As it was given.
   const std::string& fileName() const { return fileName_; }
 
   /// "file:line:column: fault: message", the line, a caret; one block a remark.

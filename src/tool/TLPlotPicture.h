@@ -20,6 +20,7 @@ class TLPlotPicture {
   void add(const TLSteeringParameters& set);
   /// Adds one plot; `lines` joins the points of a series.
   void addPanel(std::string title, std::vector<TLPlotSeries> series, bool logarithmic, bool lines);
+  /// Plots added so far.
   std::size_t panels() const { return panels_.size(); }
 
   /// Draws all and replaces the file; 0 or an errno.

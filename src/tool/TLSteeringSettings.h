@@ -16,7 +16,7 @@ Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::strin
 struct TLSteeringSetting {
   std::string name;   ///< of the parameter; "parameter/entry" where that has several
   std::string entry;  ///< of the entry alone
-  std::string parameter;
+  std::string parameter;                        ///< Name of the parameter that has the entry.
   std::string_view kind;                        ///< "real", "integer", "choice", "vector", "text"
   std::function<std::string()> value;           ///< as text
   std::function<bool(std::string_view)> store;  ///< false, with nothing changed, for a wrong text
@@ -26,8 +26,10 @@ struct TLSteeringSetting {
 /// All settings of a set by name.
 class TLSteeringSettings {
  public:
+  /// Shares the set, which changes by what is stored.
   explicit TLSteeringSettings(const Handle<TLSteeringParameters>& set);
 
+  /// In the order of the set.
   const std::vector<TLSteeringSetting>& all() const { return settings_; }
   /// By the name, by "parameter/entry", or by the entry's name where that is the only one. Null,
   /// with `error` saying what is there instead, when nothing or more than one fits.

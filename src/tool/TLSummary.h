@@ -10,13 +10,16 @@
 /// What there is to say about a file, in sections: each with a title, labelled values, and sections
 /// within. Printed for people and as JSON.
 struct TLSummary {
-  std::string title;
+  std::string title;  ///< Heading of the section.
+  /// Label and value, in the order of printing.
   std::vector<std::pair<std::string, std::string>> values;
-  std::vector<TLSummary> sections;
+  std::vector<TLSummary> sections;  ///< Within this one, behind its values.
 
+  /// Appends a labelled value.
   void add(std::string label, std::string value) {
     values.emplace_back(std::move(label), std::move(value));
   }
+  /// Appends an empty section and answers it; valid until the next one.
   TLSummary& section(std::string name) {
     return sections.emplace_back(TLSummary{std::move(name), {}, {}});
   }

@@ -10,6 +10,7 @@
 /// A task file as the daemon's own records read it, with what there is to say about it.
 class TLTaskFile {
  public:
+  /// Nothing is read yet.
   explicit TLTaskFile(std::string path);
   ~TLTaskFile();
   TLTaskFile(const TLTaskFile&) = delete;
@@ -28,7 +29,9 @@ class TLTaskFile {
   /// submitted; all else is a warning. True without a fault. Takes a few seconds at most.
   bool checkHosts(bool ask);
 
+  /// As the daemon would have it; empty before a good read().
   const TLTask& task() const { return *task_; }
+  /// What there is to say about the file.
   const TLFileReport& report() const { return report_; }
   /// A run of this task before its start.
   TLRunState run() const;

@@ -16,6 +16,7 @@
 /// residuals when the key "p" is pressed; elsewhere it prints how far the solvers are now and then.
 class TLTaskFollower {
  public:
+  /// Why the following came to its end.
   enum class End {
     allEnded,     ///< every step has a status that it keeps
     daemonGone,   ///< the daemon ended, or was killed, before that

@@ -9,7 +9,9 @@ class TLTerminal {
   /// Looks at standard output (descriptor 1), NO_COLOR and TERM.
   TLTerminal();
 
+  /// False when the output goes to a file or a pipe.
   bool isTerminal() const { return isTerminal_; }
+  /// False without a terminal, too.
   bool hasColour() const { return hasColour_; }
   /// Columns as they are now; 80 when unknown.
   int width() const;
@@ -18,7 +20,9 @@ class TLTerminal {
 
   /// `text` in the colour of a status word; unchanged without colours.
   std::string statusColoured(std::string_view statusWord, std::string_view text) const;
+  /// `text` in bold; unchanged without colours.
   std::string bold(std::string_view text) const;
+  /// `text` in faint; unchanged without colours.
   std::string faint(std::string_view text) const;
 
  private:

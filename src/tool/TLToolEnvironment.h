@@ -10,6 +10,7 @@ class TLToolEnvironment {
   /// and those it starts. Makes the user's directories.
   TLToolEnvironment();
 
+  /// Root of the installation, without a separator at its end.
   const std::string& suiteDirectory() const { return suiteDirectory_; }
   /// Private to the user: state files of daemons, the virtual machine's files.
   const std::string& userDirectory() const { return userDirectory_; }

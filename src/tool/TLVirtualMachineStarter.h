@@ -21,6 +21,7 @@ class TLVirtualMachineStarter {
 
   /// Ends the machine that start() made, and all that still runs in it.
   void stop();
+  /// True from a start() that went well until stop().
   bool startedHere() const { return pid_ > 0; }
 
  private:
