@@ -40,7 +40,12 @@ void completeSculptArguments(TLLaunchDraft& draft, const TLLaunchSite& site);
 RWCString procDistribFile(const TLLaunchDraft& draft);
 
 /// Which files go along before the start.
-enum class TLCarriage { none, arguments, unstructured, sculpt };
+enum class TLCarriage {
+  none,
+  arguments,     ///< those that the arguments mark
+  unstructured,  ///< those of an unstructured run: mesh, computation, run file
+  sculpt         ///< those of the shape optimiser
+};
 /// By the kind of the step, its host and the marks of `spawnArguments`.
 TLCarriage carriageOf(const TLLaunchDraft& draft, const TLLaunchSite& site,
                       const TLProcessArguments& spawnArguments);

@@ -16,9 +16,9 @@
 
 /// Kinds of series; the value of TLSteeringParameter::type.
 enum TLSteeringType : std::int32_t {
-  TL_STEERING_RESIDUAL = 0,
-  TL_STEERING_CURVE = 1,
-  TL_STEERING_SURFACE = 2
+  TL_STEERING_RESIDUAL = 0,  ///< grows point by point, x being the iteration
+  TL_STEERING_CURVE = 1,     ///< replaced as a whole, points in their order
+  TL_STEERING_SURFACE = 2    ///< replaced as a whole, loose points
 };
 
 /// One thing to watch or to steer in a running flow solver: its settings, as typed entries, and the

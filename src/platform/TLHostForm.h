@@ -12,7 +12,10 @@
 #include "platform/TLSettingsStore.h"
 
 /// Which conventions the local host follows.
-enum class TLHostKind { win32, posix };
+enum class TLHostKind {
+  win32,  ///< "\\", ".exe" and ".bat", the registry
+  posix   ///< "/", bare program names, an INI file
+};
 
 /// The programs by which the suite handles local files; each text is ready to be followed by names
 /// and ends in a blank.

@@ -12,7 +12,12 @@
 #include "textio/TLTextSource.h"
 
 /// What a value line of a kept block must hold.
-enum class TLKeptValue { integer, real, word, text };
+enum class TLKeptValue {
+  integer,  ///< one word
+  real,     ///< one word
+  word,     ///< one word
+  text      ///< the rest of the line, which may be empty
+};
 
 /// One value of a kept block that the system looks at: the keys under which it may stand (the
 /// first is the one written for a new line), its kind, and the literal of a new line.

@@ -5,7 +5,11 @@
 #include "textio/RWCString.h"
 
 /// What a queuing system says of one job.
-enum class TLJobState { unknown, running, finished };
+enum class TLJobState {
+  unknown,  ///< there was no answer to read, or nothing in it on the job
+  running,  ///< or still waiting in the queue
+  finished
+};
 
 /// An answer of a queuing system about one job.
 struct TLJobAnswer {

@@ -33,12 +33,12 @@ class TLSubTask : public RefCounted {
   /// Values of `status`. From FinishedOk on they are terminal: a status doesn't leave them within
   /// one run.
   enum Status : std::int32_t {
-    Pending = 0,
-    Running = 1,
-    FinishedOk = 2,
-    FinishedKo = 3,
-    Crashed = 4,
-    Stopped = 5
+    Pending = 0,     ///< not started
+    Running = 1,     ///< started; what isRunning() last said
+    FinishedOk = 2,  ///< ended, or disabled
+    FinishedKo = 3,  ///< ended badly, or couldn't be started
+    Crashed = 4,     ///< gone without an end message that it owed
+    Stopped = 5      ///< ended on purpose
   };
 
   /// Values of `finishMessage.tag` besides the tag of a stored end message.

@@ -16,7 +16,11 @@
 #include "textio/TLTokens.h"
 
 /// What the read loop does after a key's action.
-enum class TLKeyResult { next, done, failed };
+enum class TLKeyResult {
+  next,   ///< goes on with the next line
+  done,   ///< ends the block, with success
+  failed  ///< ends the reading, with 0
+};
 
 /// What a key's action has at hand: the line that matched, the stream behind it, the reader.
 struct TLKeyContext {
