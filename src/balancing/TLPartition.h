@@ -67,7 +67,7 @@ class TLPartition {
   std::vector<std::int32_t> owners() const;
   /// Sum of the weights (cells) of a processor's blocks.
   float load(std::int32_t processor) const;
-  /// Sum of the edges (interface nodes) from a block to a processor's blocks.
+  /// Sum of the edges (sizes of interfaces) from a block to a processor's blocks.
   float coupling(std::int32_t block, std::int32_t processor) const;
   /// Sum of the edges between all pairs of a block of one and of the other processor.
   double cut(std::int32_t processorA, std::int32_t processorB) const;

@@ -30,7 +30,7 @@ class VPartParameters {
 
   /// Number of tasks of the partition.
   std::int32_t nbTasks() const { return nbTasks_; }
-  /// Any number; 1 is the least that the solver takes.
+  /// Any number; the solver gets it as it is.
   void setNbTasks(std::int32_t count) { nbTasks_ = count; }
   /// True when the virtual partition is in use.
   bool isActivated() const { return activated != 0; }
@@ -55,6 +55,6 @@ class VPartParameters {
   std::int32_t activated = 0;                  ///< 1: in use.
   bool writeSolutionOnPartition = false;       ///< Key "WRITE_SOLUTION_ON_PARTITON", so spelt.
   bool partitionNmb = true;                    ///< Non-matching connections are cut, too.
-  double projectBufferSize = 0.0;              ///< 0: the solver's own choice.
-  std::int32_t mergeVirtualTopology = 0;       ///< 1: blocks are merged back for the solution.
+  double projectBufferSize = 0.0;              ///< Carried.
+  std::int32_t mergeVirtualTopology = 0;       ///< 0 or 1. Carried.
 };

@@ -62,7 +62,7 @@ class TLBCParameters : public RefCounted {
   std::array<double, 3> localLiftDirection{};    ///< x, y, z, as of the next three.
   std::array<double, 3> localDragDirection{};    ///< Direction of the drag.
   std::array<double, 3> localMomentDirection{};  ///< Axis of the moment.
-  std::array<double, 3> localMomentCenter{};     ///< Point on that axis, in the units of the mesh.
+  std::array<double, 3> localMomentCenter{};     ///< Point on that axis.
 
   /// Values that may be laws in space and time.
   std::vector<Handle<TLPhysicalEntry>> physicalEntries;

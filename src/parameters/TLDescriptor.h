@@ -11,7 +11,7 @@ enum class TLParameterType { unknown = -1, integer = 0, real = 1, text = 2 };
 /// The identity of a parameter in files: one word of five fields, "IROVAR,I,1,1,0": name, type, a
 /// field that is carried only, number of values, a field that is carried only.
 struct TLDescriptor {
-  RWCString name;  ///< In capitals; may begin with an underscore. Never empty.
+  RWCString name;                                   ///< In capitals; may begin with an underscore.
   TLParameterType type = TLParameterType::unknown;  ///< The second field.
   std::int32_t count = 0;                           ///< values of the parameter; never negative
 

@@ -99,7 +99,7 @@ class TLParameters : public RefCounted {
     RWCString text;                      ///< Empty unless it is a text.
   };
 
-  /// True when the definitions list a generic parameter of this name.
+  /// True when the record has a generic parameter of this name.
   bool hasGeneric(std::string_view name) const;
   /// Adds a generic parameter with its values from the stream. False, and nothing is read, for one
   /// that is neither integer nor real.

@@ -25,7 +25,7 @@
 
 /// What fills a block: a fluid, a solid with conduction only, or a throughflow model of a row.
 enum class TLBlockType { fluid, solid, throughflow };
-/// A direction of a block's index space, by its sign changed; the codes are those of the solvers.
+/// An index direction of a block, counted backwards; the codes are those of the solvers.
 enum class TLDirection { none = 0, reverseI = 1, reverseJ = 2, reverseK = 3 };
 /// How the mesh repeats beyond its periodic sides.
 enum class TLRepetition { none, rotation, translation, mirror };

@@ -98,7 +98,7 @@ class TLSubProject : public RefCounted {
   std::int32_t generalisedTransitionModel = 0;  ///< Carried.
   std::int32_t gridLevelI = 0;  ///< Grid level that is computed on, along I; 0: the finest.
   double pointer = 0.0;         ///< An identification for the interface. Carried.
-  RWCString name = "unknown";   ///< One word: stem of the computation's files.
+  RWCString name = "unknown";   ///< One word; tells computations apart.
   std::int32_t gridLevelJ = 0;  ///< Along J,
   std::int32_t gridLevelK = 0;  ///< and along K.
   std::array<std::int32_t, 3> coarseFlag{};  ///< written, never read

@@ -35,7 +35,7 @@ class TkSession {
   /// @name The script's global variables: `name`, or element `element` of the array `name`.
   /// @{
 
-  /// True when the variable is set; an unset element of a set array is none.
+  /// True when the variable, or the element asked for, is set.
   bool hasVariable(const char* name, const char* element = nullptr) const;
   /// Sets the variable, or appends to its text.
   void setVariable(const char* name, const char* element, const RWCString& value,
