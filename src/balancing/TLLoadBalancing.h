@@ -137,13 +137,13 @@ class TLLoadBalancing : public RefCounted {
   std::vector<RWCString> partName_;  ///< and its name.
 
   std::vector<RWCString> designGenerations;  ///< Name of each design generation.
-  Generations geomGeneration;                ///< Processes that make the geometry,
-  Generations meshGeneration;                ///< the mesh,
-  Generations flowSolverGeneration;          ///< the flow solution,
-  Generations postTreatmentGeneration;       ///< its evaluation,
-  Generations feaMeshGeneration;             ///< the mesh of the structure,
-  Generations feaSolverGeneration;           ///< its solution
-  Generations feaPostTreatmentGeneration;    ///< and the evaluation of that.
+  Generations geomGeneration;                ///< Processes that make the geometry, per generation.
+  Generations meshGeneration;                ///< Processes that make the mesh.
+  Generations flowSolverGeneration;          ///< Processes of the flow solver.
+  Generations postTreatmentGeneration;       ///< Processes that evaluate the flow.
+  Generations feaMeshGeneration;             ///< Processes that mesh the structure.
+  Generations feaSolverGeneration;           ///< Processes of the structural solver.
+  Generations feaPostTreatmentGeneration;    ///< Processes that evaluate the structure.
 
  private:
   void removeLastQueuedProcess();

@@ -124,8 +124,8 @@ class TLPartition {
   struct Pass {
     float tolerance = 0.0F;       ///< Overload allowed, as a part of the average.
     float maximumLoad = 0.0F;     ///< In cells.
-    std::int32_t freeBefore = 0;  ///< Free blocks at its start
-    std::int32_t freeAfter = 0;   ///< and at its end.
+    std::int32_t freeBefore = 0;  ///< Free blocks at its start.
+    std::int32_t freeAfter = 0;   ///< Free blocks at its end.
   };
   /// The passes of the last partition, without those in the middle when there are very many.
   const std::vector<Pass>& passes() const { return passes_; }

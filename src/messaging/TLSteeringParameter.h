@@ -84,8 +84,8 @@ class TLSteeringParameter : public RefCounted {
   RWCString userName = "UNDEFINED";  ///< read, never written
   RWCString valueUnitsName = "UNDEFINED";  ///< Name of the quantity whose units the ordinates have.
   RWCString name = "UNDEFINED";  ///< identifies the parameter in all messages
-  std::int32_t typeId = 1;       ///< The kind in the database: its id
-  std::int32_t typeOpsel = 1;    ///< and its option.
+  std::int32_t typeId = 1;       ///< The kind's id in the database.
+  std::int32_t typeOpsel = 1;    ///< The kind's option in the database.
   RWCString condition;  ///< read, never written
   /// Settings; the lists are sent by kind, each in its order.
   std::vector<Handle<TLChoiceEntry>> choiceEntries;
@@ -93,9 +93,9 @@ class TLSteeringParameter : public RefCounted {
   std::vector<Handle<TLVectorEntry>> vectorEntries;    ///< Likewise.
   std::vector<Handle<TLIntegerEntry>> integerEntries;  ///< Likewise.
   std::vector<Handle<TLStringEntry>> stringEntries;    ///< Likewise.
-  std::int32_t gridLevelI = 0;  ///< Grid level along I that the values are from,
-  std::int32_t gridLevelJ = 0;  ///< along J,
-  std::int32_t gridLevelK = 0;  ///< and along K.
+  std::int32_t gridLevelI = 0;  ///< Grid level along I that the values are from.
+  std::int32_t gridLevelJ = 0;  ///< The same along J.
+  std::int32_t gridLevelK = 0;  ///< The same along K.
 
  private:
   friend struct TLSteeringParameterKeys;

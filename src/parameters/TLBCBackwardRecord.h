@@ -18,11 +18,11 @@ class TLBCBackwardRecord : public RefCounted {
   /// 0 on a malformed line. A line of index pairs that lacks one is told and passed over.
   int read(TLTextSource& source);
 
-  std::int32_t version = 0;     ///< Of the definitions that the new kind is from,
-  std::int32_t versionOld = 0;  ///< and of those that had the old one. Carried.
-  std::int32_t typeNew = 0;     ///< The pair that names the new kind in the database:
-  std::int32_t opselNew = 0;    ///< its id, and its option.
-  std::int32_t typeOld = 0;     ///< The pair under which the old kind stands in projects.
+  std::int32_t version = 0;     ///< Of the definitions that the new kind is from. Carried.
+  std::int32_t versionOld = 0;  ///< Of the definitions that had the old kind. Carried.
+  std::int32_t typeNew = 0;     ///< Id of the new kind in the database.
+  std::int32_t opselNew = 0;    ///< Option of the new kind.
+  std::int32_t typeOld = 0;     ///< Id under which the old kind stands in projects.
   std::int32_t opselOld = 0;    ///< Likewise.
   IndexPairs physicalEntries;   ///< Lists as those of TLBCParameters.
   IndexPairs realEntries;       ///< Likewise.

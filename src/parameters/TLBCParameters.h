@@ -49,9 +49,9 @@ class TLBCParameters : public RefCounted {
   std::int32_t bcParametersIndex = 0;  ///< Of the record in its computation's list.
   RWCString bcType = "UNDEFINED";      ///< The key "TLBCTYPE"; not written while "UNDEFINED".
   RWCString type = "UNDEFINED";        ///< Group of kinds: "INLET", "OUTLET", "SOLID", ...
-  std::vector<RWCString> subType;      ///< Words of the line "SUBTYPE",
-  std::vector<RWCString> subType1;     ///< of the line "SUBTYPE1",
-  std::vector<RWCString> subType2;     ///< and of the line "SUBTYPE2". Carried for the interface.
+  std::vector<RWCString> subType;      ///< Words of the line "SUBTYPE". Carried.
+  std::vector<RWCString> subType1;     ///< Words of the line "SUBTYPE1". Carried.
+  std::vector<RWCString> subType2;     ///< Words of the line "SUBTYPE2". Carried.
   RWCString name;                      ///< Of the condition in the project.
   RWCString condition = "none";        ///< Expression under which the kind is offered.
   std::int32_t expertMode = 0;         ///< 1: offered to experts only.

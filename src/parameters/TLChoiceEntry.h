@@ -15,6 +15,6 @@ class TLChoiceEntry : public TLEntry {
 
   std::int32_t value = 0;                    ///< Need not be the number of one of `subChoices`.
   std::vector<Handle<TLChoice>> subChoices;  ///< In the order of the file; empty: none are told.
-  RWCString controlRole = "unknown";  ///< Whether other entries depend on the choice. Carried,
-  RWCString controlKey = "unknown";   ///< as is the key by which they do.
+  RWCString controlRole = "unknown";  ///< Whether other entries depend on the choice. Carried.
+  RWCString controlKey = "unknown";   ///< Key by which they do. Carried.
 };

@@ -27,10 +27,10 @@ class TLFluidProperties : public RefCounted {
   double version = 5.0;                      ///< As read; 5.0 is what is written.
   double tempRef = 0.0;                      ///< Reference temperature, K.
   double presRef = 0.0;                      ///< Reference pressure, Pa.
-  double tempRefMin = 0.0;                   ///< Range of the laws: lowest temperature, K,
-  double tempRefMax = 0.0;                   ///< highest,
-  double presRefMin = 0.0;                   ///< lowest pressure, Pa,
-  double presRefMax = 0.0;                   ///< highest.
+  double tempRefMin = 0.0;                   ///< Lowest temperature of the laws, K.
+  double tempRefMax = 0.0;                   ///< Highest temperature of the laws, K.
+  double presRefMin = 0.0;                   ///< Lowest pressure of the laws, Pa.
+  double presRefMax = 0.0;                   ///< Highest pressure of the laws, Pa.
   double temperatureInf = 0.0;               ///< Temperature of Sutherland's reference state, K.
   double temperatureSutherland = 0.0;        ///< Sutherland's constant, K.
   double densitySutherland = 0.0;            ///< Density at Sutherland's reference state, kg/m3.

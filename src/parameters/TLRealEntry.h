@@ -15,6 +15,6 @@ class TLRealEntry : public TLEntry {
   std::int32_t nonDeterministic = 0;  ///< Not 0: `nonDeterministicData` is written.
   double value = 0.0;                 ///< In the units of `valueUnitsName`.
   double minValue = 1000000.0;        ///< Lower bound; 1000000 while untold.
-  RWCString controlRole = "unknown";  ///< Whether other entries depend on the value. Carried,
-  RWCString controlKey = "unknown";   ///< as is the key by which they do.
+  RWCString controlRole = "unknown";  ///< Whether other entries depend on the value. Carried.
+  RWCString controlKey = "unknown";   ///< Key by which they do. Carried.
 };

@@ -13,12 +13,12 @@
 /// sides (0, 1) a patch has u in I and w in J, on the J sides (2, 3) u in I and w in K, on the I
 /// sides (4, 5) u in J and w in K.
 namespace TLFaceSide {
-inline constexpr std::int32_t kmin = 0;  ///< Word "kmin".
-inline constexpr std::int32_t kmax = 1;  ///< Word "kmax".
-inline constexpr std::int32_t jmin = 2;  ///< Word "jmin".
-inline constexpr std::int32_t jmax = 3;  ///< Word "jmax".
-inline constexpr std::int32_t imin = 4;  ///< Word "imin".
-inline constexpr std::int32_t imax = 5;  ///< Word "imax".
+inline constexpr std::int32_t kmin = 0;  ///< Word "KMIN": the face at K = 1.
+inline constexpr std::int32_t kmax = 1;  ///< Word "KMAX": the face at the last K.
+inline constexpr std::int32_t jmin = 2;  ///< Word "JMIN".
+inline constexpr std::int32_t jmax = 3;  ///< Word "JMAX".
+inline constexpr std::int32_t imin = 4;  ///< Word "IMIN".
+inline constexpr std::int32_t imax = 5;  ///< Word "IMAX".
 }  // namespace TLFaceSide
 
 /// One face of a block with its conditions ("face").

@@ -58,9 +58,9 @@ class TLGrid : public RefCounted {
   double version = 1.0;                 ///< As read; 1.0 is what is written.
   std::int32_t projectType;             ///< a TLProjectType; "mesh type" for the balancing
   double gridUnit = 1.0;                ///< Unit of the mesh's coordinates. Carried.
-  std::int32_t gridLevelI = 1;          ///< Numbers of grid levels of the mesh along I,
-  std::int32_t gridLevelJ = 1;          ///< along J,
-  std::int32_t gridLevelK = 1;          ///< and along K.
+  std::int32_t gridLevelI = 1;          ///< Grid levels of the mesh along I.
+  std::int32_t gridLevelJ = 1;          ///< Grid levels along J.
+  std::int32_t gridLevelK = 1;          ///< Grid levels along K.
   std::int32_t gridToolVersion = 0;     ///< Version of the mesh tool ("ZYVGRIDVERSION").
   std::int32_t showKM5message = 0;      ///< Carried for the interface.
   std::vector<Handle<TLBlock>> blocks;  ///< Block number n is element n - 1.
@@ -71,7 +71,7 @@ class TLGrid : public RefCounted {
   /// Surfaces over which forces are summed up.
   std::vector<Handle<TLBCParameters>> controlSurfaces;
   std::vector<Handle<TLTopologicalBlade>> blades;               ///< Where the mesh's blades lie.
-  std::vector<Handle<TLMeridionnalPatch>> meridionalPatches;    ///< Patches of the meridional view,
-  std::vector<Handle<TLMeridionnalPatch>> meridionalPatchesPS;  ///< those of the pressure side
-  std::vector<Handle<TLMeridionnalPatch>> meridionalPatchesSS;  ///< and those of the suction side.
+  std::vector<Handle<TLMeridionnalPatch>> meridionalPatches;    ///< Patches of the meridional view.
+  std::vector<Handle<TLMeridionnalPatch>> meridionalPatchesPS;  ///< Those of the pressure side.
+  std::vector<Handle<TLMeridionnalPatch>> meridionalPatchesSS;  ///< Those of the suction side.
 };

@@ -13,7 +13,7 @@ class TLMeridionnalPatch : public RefCounted {
   /// Takes the seven indices behind the key of `line`; what follows them isn't looked at. 0, with
   /// a complaint on the console, when one is missing.
   int readLine(std::string_view line);
-  /// The seven indices behind the key, two blanks apart, and the new line.
+  /// The whole line: its key, then the indices one blank apart.
   void write(TLTextSink& sink) const;
 
   /// In the order of the line, whose meaning is the interface's.

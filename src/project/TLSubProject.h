@@ -99,8 +99,8 @@ class TLSubProject : public RefCounted {
   std::int32_t gridLevelI = 0;  ///< Grid level that is computed on, along I; 0: the finest.
   double pointer = 0.0;         ///< An identification for the interface. Carried.
   RWCString name = "unknown";   ///< One word; tells computations apart.
-  std::int32_t gridLevelJ = 0;  ///< Along J,
-  std::int32_t gridLevelK = 0;  ///< and along K.
+  std::int32_t gridLevelJ = 0;  ///< The same along J.
+  std::int32_t gridLevelK = 0;  ///< The same along K.
   std::array<std::int32_t, 3> coarseFlag{};  ///< written, never read
   std::int32_t numberOfGridLevel = 1;        ///< written, never read
   std::int32_t axisymmetric = 0;             ///< 0 or 1. Carried.
@@ -108,8 +108,8 @@ class TLSubProject : public RefCounted {
   std::array<double, 3> axisymmetricAxis{};  ///< Direction x, y, z.
   TLSpreadValue efficiency;                  ///< Figures of performance, 0 until known.
   TLSpreadValue pressureRatio;               ///< Without unit, as is the efficiency.
-  TLSpreadValue perfCurvePressure;           ///< The point's pressure on a performance curve,
-  TLSpreadValue massFlow;                ///< and its mass flow; both in the computation's units.
+  TLSpreadValue perfCurvePressure;           ///< Pressure of its point on a performance curve.
+  TLSpreadValue massFlow;                    ///< In the computation's units, as the pressure.
   double uncertaintyWeightFactor = 0.0;  ///< written for non-deterministic computations only
   std::int32_t uncertaintyGridType = 0;  ///< written for non-deterministic computations only
   RWCString fluidName = "unknown";       ///< Of the first fluid, when there is one.
