@@ -40,6 +40,7 @@ struct TLCopyReport {
   bool failed = false;  ///< it said something, or could not be run
   RWCString words;      ///< all that the tool said
 };
+/// Valid until the next copy.
 const TLCopyReport& lastCopyReport();
 
 /// @name Local files. What fails in a copy or a move isn't told.

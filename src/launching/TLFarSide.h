@@ -15,8 +15,11 @@ class TLFarSide {
   /// `directory` is that of the run, as `directoryName` forms it.
   TLFarSide(RWCString host, RWCString login, bool win32, RWCString directory);
 
+  /// As the virtual machine's table has it.
   const RWCString& host() const { return host_; }
+  /// Empty: the same user.
   const RWCString& login() const { return login_; }
+  /// Kind of that host.
   bool win32() const { return win32_; }
   /// The directory of the run; of a UNIX host with its separator at the end, of a Windows host
   /// without. Empty when there is none.
@@ -31,7 +34,10 @@ class TLFarSide {
   /// @name Commands. Paths come as they are, and stand in them so that the far shell takes them for
   /// nothing else.
   /// @{
+
+  /// Makes a directory; on a UNIX host with those around it.
   RWCString makeDirectory(const RWCString& path) const;
+  /// Removes a file; one that isn't there is no fault.
   RWCString removeFile(const RWCString& path) const;
   /// The two commands that remove the directory of the run after a retrieval.
   std::vector<RWCString> removal() const;

@@ -10,21 +10,22 @@ class TLSubTask;
 
 /// Something that a launch does on the step's host, or carries there.
 struct TLPlannedAction {
+  /// What it does.
   enum class Kind {
     command,  ///< `target` is run there
     copy,     ///< the file or pattern `source` goes to `target` there
     tree      ///< the directory `source` with all in it goes into `target` there
   };
-  Kind kind = Kind::command;
-  RWCString source;
-  RWCString target;
+  Kind kind = Kind::command;  ///< Decides whether `source` counts.
+  RWCString source;           ///< Path of this host; empty for a command.
+  RWCString target;           ///< Path of the step's host, or the command.
   std::int64_t bytes = 0;  ///< of what goes
 };
 
 /// A path of this host that stands in the words by another name.
 struct TLMappedPath {
-  RWCString here;
-  RWCString there;
+  RWCString here;   ///< As this host knows it.
+  RWCString there;  ///< As the step's host knows it.
 };
 
 /// What a launch of one step would do, without doing any of it: the dry run. Nothing is started and

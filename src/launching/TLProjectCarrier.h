@@ -14,6 +14,7 @@ class TLSubProject;
 /// far paths in it; any other file goes as it is.
 class TLProjectCarrier {
  public:
+  /// `list` must outlive this object.
   explicit TLProjectCarrier(TLCarryList& list) : list_(list) {}
 
   /// `file` goes into `directory` of the far side, under its name.

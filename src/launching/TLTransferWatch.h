@@ -22,6 +22,9 @@ class TLTransferWatch {
 
   /// @name Copies between a path here and one there. False when one failed.
   /// @{
+
+  /// Carries the path `here` to `there`, with all in it for a `tree`; `bytes` are for the progress
+  /// alone.
   bool send(const RWCString& here, const RWCString& there, bool tree, std::int64_t bytes);
   /// That nothing of the name is there is a failure only when it is `expected`: a run needn't have
   /// made every file.
@@ -30,6 +33,7 @@ class TLTransferWatch {
 
   /// Notes and shows something else that went wrong.
   void complain(const RWCString& text);
+  /// True once a copy failed or complain() was called.
   bool failed() const { return failed_; }
 
  private:

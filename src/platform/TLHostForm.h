@@ -110,6 +110,7 @@ class TLHostForm {
   virtual std::optional<std::string> readFile(std::string_view path) const = 0;
   /// The last `longest` bytes of a file, or all of a shorter one. None for what is no regular file.
   virtual std::optional<std::string> readEnd(std::string_view path, std::size_t longest) const = 0;
+  /// True when a directory of this name exists, links followed.
   virtual bool isDirectory(std::string_view path) const = 0;
   /// Bytes of a file, links followed; 0 for what is no regular file.
   virtual std::uint64_t fileSize(std::string_view path) const = 0;

@@ -11,8 +11,8 @@
 /// Files that went to a step's host, or came back.
 struct TLKeptCopy {
   std::string direction;  ///< "to" or "from"
-  std::string host;
-  std::int32_t files = 0;
+  std::string host;       ///< The other side of the copy.
+  std::int32_t files = 0;          ///< Files, patterns and trees; 0 when it isn't known.
   std::int64_t bytes = 0;          ///< as far as known
   double started = 0;              ///< seconds since the epoch
   double ended = 0;                ///< 0: not yet
@@ -30,7 +30,7 @@ struct TLKeptStep {
   std::vector<std::int32_t> blockProcess;  ///< process of each mesh block, from 0
   std::vector<std::int32_t> blockCells;    ///< weight of each block; 0 unknown
   std::vector<std::string> processHosts;   ///< host of each process of a parallel run
-  std::vector<TLKeptCopy> copies;
+  std::vector<TLKeptCopy> copies;          ///< In the order in which they were made.
   std::vector<TLPlotSeries> residuals;  ///< over the iterations, each of kMostPoints at most
 };
 
@@ -40,12 +40,13 @@ struct TLKeptStep {
 /// kept.
 class TLKeptRun {
  public:
-  static constexpr int kVersion = 1;
-  static constexpr std::size_t kMostPoints = 1000;
-  static constexpr std::size_t kMostRuns = 50;
+  static constexpr int kVersion = 1;                ///< Of the format; files of others aren't read.
+  static constexpr std::size_t kMostPoints = 1000;  ///< Points that are kept of a residual.
+  static constexpr std::size_t kMostRuns = 50;      ///< Records that removeOld() leaves.
+  /// Bytes that are kept of a log, from its end.
   static constexpr std::size_t kLongestLog = std::size_t{1} << 20;
 
-  TLRunState run;
+  TLRunState run;                 ///< The last state of the run.
   double ended = 0;               ///< of the daemon, orderly; 0: it runs, or was killed
   std::vector<TLKeptStep> steps;  ///< as many as there are in `run`
 

@@ -15,6 +15,7 @@ class TLResidualHistory {
  public:
   /// Takes in what `set` holds beyond what is known. Iterations that go back begin a history anew.
   void take(const TLSteeringParameters& set);
+  /// Forgets everything, for a new start of the solver.
   void clear();
 
   /// One series a residual, x being the iteration.

@@ -10,18 +10,18 @@
 
 /// How far a residual has come.
 struct TLRunStateResidual {
-  std::string name;
-  double first = 0;
-  double last = 0;
+  std::string name;  ///< Of the residual, as the solver tells it.
+  double first = 0;  ///< Value that was told first.
+  double last = 0;   ///< Value that was told last.
 
   bool operator==(const TLRunStateResidual&) const = default;
 };
 
 /// What is known of one step beyond what the messages carry.
 struct TLRunStateStep {
-  std::string name;
-  std::string executable;
-  std::string host;
+  std::string name;                    ///< Kind of the step.
+  std::string executable;              ///< Program, without directory.
+  std::string host;                    ///< Where it runs.
   std::int32_t status = 0;             ///< as in the answer to a status poll
   std::vector<std::int32_t> children;  ///< tids; for a queued step its job number
   std::int32_t queue = 0;              ///< 0 none, 1 SGE, 2 PBS, 3 LSF
@@ -36,7 +36,7 @@ struct TLRunStateStep {
 
   std::int32_t iteration = 0;        ///< the last one that its solver has told; 0 none
   std::int32_t iterationsAsked = 0;  ///< 0 unknown
-  std::vector<TLRunStateResidual> residuals;
+  std::vector<TLRunStateResidual> residuals;  ///< In the order in which the solver told them.
   std::string lastText;  ///< what it last had to say to the user
 
   /// What of its files is on its way to its host or back, and what a failed copy left where.
@@ -54,16 +54,16 @@ struct TLRunStateStep {
 /// A file whose process is gone belongs to a daemon that was killed.
 class TLRunState {
  public:
-  static constexpr int kVersion = 1;
+  static constexpr int kVersion = 1;  ///< Of the format; files of others aren't read.
 
   std::int32_t tid = 0;  ///< of the daemon; 0 when it is not enrolled
-  int pid = 0;
-  std::string host;
+  int pid = 0;           ///< Of the daemon, on its host.
+  std::string host;      ///< Where the daemon runs.
   std::string taskFile;  ///< full path
-  std::string taskName;
+  std::string taskName;  ///< As the task file says; "unknown" when it doesn't.
   std::string logFile;  ///< where the output of the steps is collected; empty if nowhere
   double started = 0;   ///< seconds since the epoch
-  std::vector<TLRunStateStep> steps;
+  std::vector<TLRunStateStep> steps;  ///< In the order of the task.
 
   bool operator==(const TLRunState&) const = default;
 
@@ -72,6 +72,8 @@ class TLRunState {
 
   /// As it stands in the file, and back.
   nlohmann::json json() const;
+  /// What is missing keeps its default; throws nlohmann::json::exception for a value of a wrong
+  /// type.
   static TLRunState fromJson(const nlohmann::json& json);
 
   /// Writes the file; 0 or an errno.

@@ -9,7 +9,7 @@
 /// Before and between transfers `direction` is empty.
 struct TLTransferProgress {
   RWCString direction;  ///< "to" or "from" the host; empty: nothing is carried at the moment
-  RWCString host;
+  RWCString host;       ///< The step's host, the far side.
   RWCString file;              ///< what is carried now: a path, or a pattern with a star
   std::int32_t number = 0;     ///< of `file` among all, from 1
   std::int32_t count = 0;      ///< of all files, patterns and trees; 0 when it isn't known
@@ -29,4 +29,5 @@ struct TLTransferProgress {
 /// Called whenever the progress of some step has changed, since a copy holds the process until it
 /// is done. Null for none.
 void setTransferObserver(std::function<void()> observer);
+/// Calls the observer, if there is one.
 void tellTransferObserver();

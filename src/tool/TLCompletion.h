@@ -14,7 +14,7 @@ class Option;
 
 /// What may stand in the place of a word.
 struct TLCandidate {
-  std::string word;
+  std::string word;   ///< Takes the place of the last word as a whole.
   std::string about;  ///< a few words for the user; may be empty
   bool operator==(const TLCandidate&) const = default;
 };

@@ -37,6 +37,7 @@ class TLDaemonClient {
   bool poll(Seconds patience);
   /// Asks for the statuses and goes on; receiveWaiting() takes the answer in.
   bool beginPoll();
+  /// True when the answer to the last poll has come.
   bool pollAnswered() const;
   /// The statuses of the last answer, one per step.
   const std::vector<std::int32_t>& statuses() const { return statuses_; }

@@ -14,8 +14,11 @@ class TLPlotAxis {
   /// and holds those alone.
   static TLPlotAxis ofY(const std::vector<TLPlotSeries>& series, bool logarithmic);
 
+  /// Value at place 0.
   double low() const { return low_; }
+  /// Value at place 1.
   double high() const { return high_; }
+  /// True when equal places are equal ratios.
   bool logarithmic() const { return logarithmic_; }
   /// False for what this axis can't show.
   bool shows(double value) const { return !logarithmic_ || value > 0; }

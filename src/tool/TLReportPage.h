@@ -12,6 +12,7 @@ class TLReportPage {
   /// `live`: the daemon still runs. `now`: seconds since the epoch.
   TLReportPage(const TLKeptRun& kept, bool live, double now);
 
+  /// The whole page, UTF-8.
   std::string html() const;
 
  private:

@@ -11,11 +11,12 @@
 /// of the residuals. Draws nothing itself.
 class TLRunScreen {
  public:
+  /// `terminal` says which colours there are, and must outlive this object.
   explicit TLRunScreen(const TLTerminal& terminal) : terminal_(terminal) {}
 
   /// What to show.
   struct Content {
-    const TLRunState& run;
+    const TLRunState& run;               ///< Must live as long as this.
     std::vector<std::string> lastLines;  ///< per step what it said last; may be shorter
     std::vector<TLPlotSeries> series;    ///< to be drawn; none: no plot
     double now = 0;                      ///< seconds since the epoch

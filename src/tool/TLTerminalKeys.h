@@ -13,6 +13,7 @@ class TLTerminalKeys {
 
   /// The next key, 0 for none.
   char next();
+  /// True when keys can come at all.
   bool present() const { return active_; }
 
  private:
