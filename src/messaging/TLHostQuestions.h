@@ -16,7 +16,7 @@
 /// until PVM has answered. One question is under way at a time.
 class TLHostQuestions {
  public:
-  using Clock = std::chrono::steady_clock;
+  using Clock = std::chrono::steady_clock;  ///< Not set back by a change of the time of day.
 
   /// `program` is the companion's path, `name` the host's name for the log.
   TLHostQuestions(std::string program, std::string name);
@@ -29,11 +29,13 @@ class TLHostQuestions {
 
   /// True while a question is under way that has outlasted its wait.
   bool silent();
-  /// When the question that is under way was asked; as seconds since the epoch.
+  /// When the question that is under way was asked.
   Clock::time_point askedAt() const { return askedAt_; }
+  /// As askedAt(), in seconds since the epoch.
   double since() const { return since_; }
   /// When PVM last answered a question about this host.
   Clock::time_point answeredAt() const { return answeredAt_; }
+  /// Name of the host, as it was given.
   const std::string& name() const { return name_; }
 
  private:

@@ -15,11 +15,14 @@
 /// host that is waited for first is called silent then, and nothing is started on any other.
 class TLOtherHosts {
  public:
+  /// Asks PVM itself, and waits as long as that takes.
   using Question = std::function<std::int32_t()>;
+  /// Name of the host whose daemon has the identifier `host`.
   using Naming = std::function<RWCString(std::int32_t host)>;
 
   /// `program` is the companion's path.
   void useProgram(const std::string& program) { program_ = program; }
+  /// False until a program was told: every question then goes to PVM itself.
   bool inUse() const { return !program_.empty(); }
 
   /// PVM's code for a task, or what was known before as long as its host is silent.

@@ -54,18 +54,21 @@ const TLVirtualMachineHost* TL_virtual_machine_own_host();
 
 /// A host that has left a question about it unanswered.
 struct TLSilentHost {
-  RWCString name;
+  RWCString name;    ///< As in the host table; empty when there is no such host.
   double since = 0;  ///< when it was asked, in seconds since the epoch; 0: there is no such host
 
+  /// True when there is such a host.
   explicit operator bool() const { return since != 0; }
   bool operator==(const TLSilentHost&) const = default;
 };
 
-/// @name Other hosts. PVM holds a caller who asks about a host that is cut off for some three
-/// minutes. With companions such questions are asked by processes of their own, and this one goes
-/// on after a quarter of a second at most: the answer is then the last one known, until PVM has
-/// answered. Without, each question waits as PVM does.
+/// @name Other hosts
+/// PVM holds a caller who asks about a host that is cut off for some three minutes. With companions
+/// such questions are asked by processes of their own, and this one goes on after a quarter of a
+/// second at most: the answer is then the last one known, until PVM has answered. Without, each
+/// question waits as PVM does.
 /// @{
+
 /// `program` is the companion's path. It is started by the first question about another host.
 void TL_virtual_machine_use_companions(const RWCString& program);
 /// The companion's path in this installation: beside the running program.
