@@ -43,31 +43,12 @@ TEST(Conditions, EntriesOfAllForms) {
   EXPECT_EQ(out.str(), "ERROR !!\nTLBCParameters::choiceEntryPtr\nRWCString none not found.\n");
 }
 
-TEST(Conditions, OnlyASolidHasAFrameOfItsOwn) {
-  const std::string text =
-      "LOCAL_SYSTEM 1\nTL_BEGIN lagrangian_physical_entry\n NAME Bounce\n"
-      "TL_END lagrangian_physical_entry\nTYPE ";
-  EXPECT_NE(rewritten<TLBCParameters>(text + "SOLID\n").find("LOCAL_SYSTEM"), std::string::npos);
-  const std::string outlet = rewritten<TLBCParameters>(text + "OUTLET\n");
-  EXPECT_EQ(outlet.find("LOCAL_"), std::string::npos);
-  EXPECT_EQ(outlet.find("lagrangian"), std::string::npos);
-}
-
-TEST(Conditions, ImpedanceStandsInTwoReals) {
-  const std::string reals =
-      "REAL_ENTRY Resistance (real part) 3\nREAL_ENTRY Reactance (imaginary part) 4\n"
-      "VECTOR_ENTRY acoustic_impedance 1 2 9\nVECTOR_ENTRY other 1 2 3\n";
-  for (const auto& [id, opsel, applies] :
-       {std::tuple{13, 2, true}, {113, 2, true}, {16, 2, true}, {13, 1, false}, {14, 2, false}}) {
-    TLBCParameters record;
-    readText(record, "TYPE_ID " + std::to_string(id) + "\nTYPE_OPSEL " + std::to_string(opsel) +
-                         '\n' + reals);
-    EXPECT_THAT(record.vectorEntries.at(0)->value,
-                applies ? ElementsAre(3, 4, 9) : ElementsAre(1, 2, 9));
-    const std::string text = written(record);
-    EXPECT_EQ(text.find("acoustic_impedance") == std::string::npos, applies);
-    EXPECT_NE(text.find("other"), std::string::npos);
-  }
+TEST(Conditions, ImpedanceIsTakenFromTwoReals) {
+  TLBCParameters record;
+  readText(record,
+           "TYPE_ID 13\nTYPE_OPSEL 2\nREAL_ENTRY Resistance (real part) 3\n"
+           "REAL_ENTRY Reactance (imaginary part) 4\nVECTOR_ENTRY acoustic_impedance 1 2 9\n");
+  EXPECT_THAT(record.vectorEntries.at(0)->value, ElementsAre(3, 4, 9));
 }
 
 // The database --------------------------------------------------------------------------------

@@ -30,29 +30,6 @@ TEST(HexaParameter, Keys) {
             std::string::npos);
 }
 
-TEST(HexaParameter, BadLines) {
-  const struct {
-    const char* text;
-    const char* console;
-  } rows[] = {
-      {"VERSION\n", " wrong TLParameter header: cannot determine TLParameter version\n"},
-      {"TYPE\n", "  wrong format for16: TYPE\n"},
-      {"TYPE complex\n", ""},
-      {"TYPE real\nNUMBER 3\nVALUE 1 2\n", "  wrong format for39: VALUE 1 2\n"},
-      {"NUMBER 2\nVALUE 1 2\nOLD_VALUE 1\n", "  wrong format for37: OLD_VALUE 1\n"},
-      {"TYPE string\nNUMBER 2\nVALUE 'a\n",
-       "wrong format for 'VALUE 'a': missing ending single quote for value #1\n"},
-      {"TYPE float\nNUMBER 2000000000 2000000000\nVALUE 1\n", "  wrong format for40: VALUE 1\n"},
-      {"NUMBER 2000000000 2000000000\n", ""},
-  };
-  for (const auto& row : rows) {
-    TLParameter parameter;
-    const auto reading = readText(parameter, row.text);
-    EXPECT_EQ(reading.result, 0) << row.text;
-    EXPECT_EQ(reading.console, row.console);
-  }
-}
-
 TEST(HexaParameterValue, WrongAccessIsTold) {
   std::ostringstream out;
   const TLConsoleRedirect redirect(out);
@@ -77,8 +54,6 @@ TEST(HexaParameters, FindsTheFirstOfAName) {
   ASSERT_EQ(list.parameters.size(), 3U);
   EXPECT_EQ(list.find("b_"), list.parameters[1].get());
   EXPECT_EQ(list.find("c_"), nullptr);
-  EXPECT_EQ(readText(list, "VERSION\n").console,
-            " wrong HexaParameters header: cannot determine HexaParameters version\n");
 }
 
 TEST(HexaDefinitionDeathTest, FileByKind) {

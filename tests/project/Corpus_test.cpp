@@ -76,10 +76,12 @@ TEST_F(Corpus, BadLinesAreRefusedWithTheirReason) {
     std::string lines = outside ? "TALVEN_PROJECT_FILE VERSION 1210\n" : "";
     std::istringstream words(blocks.substr(outside ? 1 : 0));
     for (std::string block; words >> block;) lines += "TL_BEGIN " + block + '\n';
+    for (auto at = line.find("; "); at != line.npos; at = line.find("; "))
+      line.replace(at, 2, "\n");
     lines += line + '\n';
     const ReadProject read(outside ? lines : projectText(lines));
     EXPECT_EQ(read.result, 0) << blocks << ": " << line;
-    EXPECT_EQ(read.console, said + '\n') << blocks;
+    EXPECT_EQ(read.console, said.empty() ? "" : said + '\n') << blocks;
     EXPECT_TRUE(read->computations.empty());
   }
   EXPECT_GE(count, 50);
