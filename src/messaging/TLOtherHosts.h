@@ -24,6 +24,8 @@ class TLOtherHosts {
   void useProgram(const std::string& program) { program_ = program; }
   /// False until a program was told: every question then goes to PVM itself.
   bool inUse() const { return !program_.empty(); }
+  /// True once another host was asked about.
+  bool asked() const { return !hosts_.empty(); }
 
   /// PVM's code for a task, or what was known before as long as its host is silent.
   std::int32_t status(std::int32_t host, std::int32_t tid, const Naming& naming,

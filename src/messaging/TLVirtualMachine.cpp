@@ -187,8 +187,8 @@ std::int32_t otherHostOf(std::int32_t tid) {
   constexpr std::int32_t kSpecial = 1 << 30;
   if (tid <= 0 || (tid & kSpecial) != 0 || (tid & kTaskBits) == 0) return 0;
   if (gOwnHost.tid == 0) hostTable();
-  const std::int32_t host = pvm_tidtohost(tid);
-  return host == gOwnHost.tid ? 0 : std::max(host, 0);
+  if ((tid | kTaskBits) == (gOwnHost.tid | kTaskBits)) return 0;
+  return std::max(pvm_tidtohost(tid), 0);
 }
 
 RWCString hostNameOf(std::int32_t tid) {
@@ -253,7 +253,7 @@ void TL_virtual_machine_use_companions(const RWCString& program) {
 }
 
 TLSilentHost TL_virtual_machine_silence(std::int32_t tid) {
-  if (!otherHosts().inUse() || !gAllowed) return {};
+  if (!otherHosts().asked() || !gAllowed) return {};
   const std::int32_t host = otherHostOf(tid);
   return host == 0 ? TLSilentHost() : otherHosts().silence(host);
 }
