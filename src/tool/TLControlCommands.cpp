@@ -2,9 +2,11 @@
 #include <CLI/CLI.hpp>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <thread>
 
 #include "messaging/TLVirtualMachine.h"
 #include "tool/TLAnswer.h"
@@ -22,6 +24,8 @@ constexpr int kNoStep = -1;
 constexpr std::int32_t kRunning = 1;
 constexpr TLDaemonClient::Seconds kPollPatience{10.0};
 constexpr TLDaemonClient::Seconds kStopPatience{60.0};
+constexpr auto kNotePatience = std::chrono::seconds(2);
+constexpr auto kNoteLook = std::chrono::milliseconds(20);
 
 struct ControlOptions {
   std::string command;
@@ -150,6 +154,21 @@ std::string busyText(const Contact& contact) {
       contact.state->tid, contact.state->host, contact.state->taskFile);
 }
 
+// Why a step ended. The daemon notes that after the cycle in which it answers.
+std::string reasonOf(const Contact& contact, std::int32_t step) {
+  const std::string file =
+      TLRunState::fileName(contact.environment.userDirectory(), contact.state->pid);
+  const auto deadline = std::chrono::steady_clock::now() + kNotePatience;
+  do {
+    const auto state = TLRunState::load(file);
+    if (!state || step < 0 || step >= static_cast<std::int32_t>(state->steps.size())) return {};
+    const auto& entry = state->steps[static_cast<std::size_t>(step)];
+    if (isTerminalStatus(entry.status)) return entry.reason;
+    std::this_thread::sleep_for(kNoteLook);
+  } while (std::chrono::steady_clock::now() < deadline);
+  return {};
+}
+
 int stopTask(const ControlOptions& options) {
   Contact contact;
   if (!reach(contact, options)) return TLExitCode::kNobodyThere;
@@ -165,8 +184,11 @@ int stopTask(const ControlOptions& options) {
   if (!refresh(contact)) return answer(options, contact, false, busyText(contact));
   const std::string word =
       statusText(contact.state->steps[static_cast<std::size_t>(contact.step)].status);
-  return answer(options, contact, true, fmt::format("step {}: {}", contact.step, word),
-                {{"word", word}});
+  const std::string reason = reasonOf(contact, contact.step);
+  return answer(
+      options, contact, true,
+      fmt::format("step {}: {}{}{}", contact.step, word, reason.empty() ? "" : ": ", reason),
+      {{"word", word}, {"reason", reason}});
 }
 
 int suspendTask(const ControlOptions& options) {
@@ -204,7 +226,9 @@ int replayEnds(const ControlOptions& options) {
     text += fmt::format("{}step {} has ended{}", ends.empty() ? "" : "\n", report.step,
                         report.texts.empty() ? "" : ":");
     for (const auto& line : report.texts) text += "\n  " + line;
-    ends.push_back({{"step", report.step}, {"texts", report.texts}});
+    const std::string reason = reasonOf(contact, report.step);
+    if (!reason.empty()) text += "\n  " + reason;
+    ends.push_back({{"step", report.step}, {"texts", report.texts}, {"reason", reason}});
   }
   return answer(options, contact, true, text, {{"ends", std::move(ends)}});
 }
