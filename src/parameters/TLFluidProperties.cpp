@@ -86,7 +86,7 @@ const TLKeyTable<R>& table() {
 TLFluidProperties::TLFluidProperties() {
   for (const auto& quantity : kQuantities) {
     auto entry = makeHandle<TLPhysicalEntry>(RWCString(quantity.name));
-    entry->polynom->setCoefficients(std::vector<double>(kCoefficients, 0.0));
+    entry->setCoefficients(std::vector<double>(kCoefficients, 0.0));
     this->*quantity.member = std::move(entry);
   }
 }

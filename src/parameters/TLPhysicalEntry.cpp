@@ -99,6 +99,11 @@ void TLPhysicalEntry::write(TLTextSink& sink) const {
   sink.setPrecision(precision);
 }
 
+void TLPhysicalEntry::setCoefficients(const std::vector<double>& coefficients) {
+  polynom = makeHandle<TLPolynom>(*polynom);
+  polynom->setCoefficients(coefficients);
+}
+
 bool TLPhysicalEntry::isConstant() const {
   return equalIgnoringCase(type, "constant");
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include "parameters/TLEntry.h"
 #include "parameters/TLPolynom.h"
 #include "project/TLProfile.h"
@@ -8,7 +10,7 @@
 class TLPhysicalEntry : public TLEntry {
  public:
   TLPhysicalEntry();
-  /// A constant 0 called so, with laws of its own.
+  /// A constant 0 called so.
   explicit TLPhysicalEntry(RWCString entryName);
 
   int read(TLTextSource& source) override;
@@ -25,6 +27,9 @@ class TLPhysicalEntry : public TLEntry {
   int variableTypeCode() const;
   /// Sets the text for a code; outside of 1 to 5 that of 0.
   void setVariableTypeCode(int code);
+
+  /// Gives the entry a polynomial of its own with these coefficients, from the lowest power on.
+  void setCoefficients(const std::vector<double>& coefficients);
 
   double version = 1.0;                 ///< As read; 1.0 is what is written.
   std::int32_t nonDeterministic = 0;    ///< Not 0: `nonDeterministicData` is written.

@@ -60,7 +60,7 @@ void take(TLPhysicalEntry& entry, const std::vector<double>& values, Takes takes
   if (takes == Takes::nothing || values.size() < kLawValues) return;
   if (takes != Takes::polynom) entry.value = values[0];
   if (takes == Takes::coefficients) entry.minValue = values[1];
-  entry.polynom->setCoefficients({values.begin() + kCoefficients, values.end()});
+  entry.setCoefficients({values.begin() + kCoefficients, values.end()});
 }
 
 void takeSutherland(TLFluidProperties& properties, const TLSolverValues& values) {
