@@ -10,7 +10,7 @@
 #include <array>
 #include <cerrno>
 #include <cstdlib>
-#include <fstream>
+#include <string_view>
 
 #include "platform/TLCommandRun.h"
 #include "platform/TLFileDescriptor.h"
@@ -199,12 +199,15 @@ int TLUnixHost::randomNumber() {
 }
 
 std::int64_t TLUnixHost::memoryKills() const {
-  std::ifstream counters("/proc/vmstat");
-  std::string name;
-  for (std::int64_t count = 0; counters >> name >> count;) {
-    if (name == "oom_kill") return count;
-  }
-  return 0;
+  // Read in one go: this is done at each start of a step.
+  constexpr std::string_view kName = "\noom_kill ";
+  std::array<char, 16384> counters{};
+  const TLFileDescriptor file(::open("/proc/vmstat", O_RDONLY | O_CLOEXEC));
+  const ssize_t size = file.open() ? ::read(file.get(), counters.data(), counters.size() - 1) : 0;
+  const std::string_view text(counters.data(),
+                              static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+  const auto found = text.find(kName);
+  return found == std::string_view::npos ? 0 : std::atoll(text.data() + found + kName.size());
 }
 
 int TLUnixHost::processId() const {
