@@ -5,9 +5,10 @@
 
 /// A host that a task needs, and the user there.
 struct TLProbedHost {
-  std::string host;
+  std::string host;     ///< as the task file names it
   std::string login;    ///< empty: the same user
   std::string failure;  ///< why it can't be reached, one line; empty when it can
+  /// The same host and user; the failures don't count.
   bool operator==(const TLProbedHost& other) const {
     return host == other.host && login == other.login;
   }
