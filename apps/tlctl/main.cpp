@@ -1,3 +1,5 @@
 #include "tool/TLCommand.h"
 
-int main(int argc, char** argv) { return runTool(argc, argv); }
+int main(int argc, char** argv) {
+  return runTool(argc, argv);
+}

@@ -26,9 +26,9 @@ struct TLCarryAction {
   RWCString source;           ///< Path of this host; may end in a "*".
   RWCString target;           ///< Path of the far side for copies, of this host otherwise.
   std::int32_t entry = -1;    ///< Place in the step's `spawnArguments`, from 0; -1: none.
-  std::int64_t bytes = 0;  ///< of a copy or a tree
-  bool update = false;     ///< after a message the screen is redrawn
-  bool needed = false;     ///< when it fails, the transfer has failed, and ends there
+  std::int64_t bytes = 0;     ///< of a copy or a tree
+  bool update = false;        ///< after a message the screen is redrawn
+  bool needed = false;        ///< when it fails, the transfer has failed, and ends there
 };
 
 /// All that a transfer to a host does, in its order. Making the list reads the projects that go

@@ -13,11 +13,11 @@
 
 /// What the choice of a program depends on.
 struct TLProgramChoice {
-  RWCString executable;  ///< as the task file gives it
-  bool win32 = false;    ///< kind of the host that the step runs on
-  bool use64 = true;     ///< the 64-bit programs are installed (a Windows host), see findBin64
+  RWCString executable;   ///< as the task file gives it
+  bool win32 = false;     ///< kind of the host that the step runs on
+  bool use64 = true;      ///< the 64-bit programs are installed (a Windows host), see findBin64
   bool parallel = false;  ///< A parallel run is wanted.
-  bool queued = false;  ///< started by a queuing system
+  bool queued = false;    ///< started by a queuing system
   std::int32_t mpiSgi664 = 0;          ///< Not 0: the builds for the MPI of SGI.
   std::int32_t mpiType = 2;            ///< 1 Intel MPI, else the default family
   std::int32_t compilerChoice = 0;     ///< 2: the "_mpich2" builds

@@ -16,14 +16,14 @@ RWCString jobScriptPath(std::int32_t kind, const RWCString& runFile);
 
 /// What a template is filled with.
 struct TLJobScriptValues {
-  std::int32_t kind = 0;  ///< 1 SGE, 2 PBS, 3 LSF
-  RWCString hostName;     ///< to which the job is submitted
-  RWCString runFile;      ///< as the job will find it
-  RWCString precision;    ///< "sp", "hp", "dp" or empty
-  RWCString queue;        ///< queue or parallel environment
+  std::int32_t kind = 0;        ///< 1 SGE, 2 PBS, 3 LSF
+  RWCString hostName;           ///< to which the job is submitted
+  RWCString runFile;            ///< as the job will find it
+  RWCString precision;          ///< "sp", "hp", "dp" or empty
+  RWCString queue;              ///< queue or parallel environment
   std::int32_t processors = 1;  ///< To ask for, at least 1; see jobSlots().
-  RWCString executable;  ///< decides on the slots
-  RWCString number;      ///< behind the "comp" of the job's name
+  RWCString executable;         ///< decides on the slots
+  RWCString number;             ///< behind the "comp" of the job's name
 };
 
 /// The slots to ask for: the structured solver's launcher takes one of its own in a parallel run.

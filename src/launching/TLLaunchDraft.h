@@ -25,7 +25,7 @@ struct TLLaunchSite {
 struct TLRunFileFacts {
   static constexpr int kUnstructured = 2;  ///< Value of `projectType`.
 
-  bool good = false;  ///< it could be read
+  bool good = false;            ///< it could be read
   int projectType = 0;          ///< Code of the project's type (TLProjectType).
   RWCString solverPrecision;    ///< "single", "hybrid" or "double"
   bool hasComputation = false;  ///< false: what the first computation would tell stays as it was
@@ -61,17 +61,17 @@ struct TLLaunchDraft {
 
   /// @name Values of the launch.
   /// @{
-  bool displayWanted = true;   ///< False when an argument names a display already.
-  bool use64 = true;           ///< The 64-bit programs are installed (a Windows host).
-  bool needsTransfer = false;  ///< Some file has to go to the host first.
-  RWCString steeringFile;  ///< empty for none
+  bool displayWanted = true;           ///< False when an argument names a display already.
+  bool use64 = true;                   ///< The 64-bit programs are installed (a Windows host).
+  bool needsTransfer = false;          ///< Some file has to go to the host first.
+  RWCString steeringFile;              ///< empty for none
   RWCString machinesFile = "unknown";  ///< "unknown": none.
-  RWCString solverPath;  ///< of the solver behind an MPI launcher; empty for none
-  RWCString p4pgFile;    ///< Names hosts and processes for MPICH; empty for none.
-  RWCString batchFile;   ///< Starts the process in place of a command line; empty for none.
+  RWCString solverPath;                ///< of the solver behind an MPI launcher; empty for none
+  RWCString p4pgFile;                  ///< Names hosts and processes for MPICH; empty for none.
+  RWCString batchFile;  ///< Starts the process in place of a command line; empty for none.
   RWCString precisionWord = "single";  ///< "single", "hybrid" or "double", from the run file.
   bool unstructured = false;           ///< The run file's project is of that kind.
-  TLProcessArguments spawnArguments;  ///< what the process really gets
+  TLProcessArguments spawnArguments;   ///< what the process really gets
   /// @}
 
   /// True for a parallel run, however many processes it has.

@@ -19,7 +19,7 @@ struct TLPlannedAction {
   Kind kind = Kind::command;  ///< Decides whether `source` counts.
   RWCString source;           ///< Path of this host; empty for a command.
   RWCString target;           ///< Path of the step's host, or the command.
-  std::int64_t bytes = 0;  ///< of what goes
+  std::int64_t bytes = 0;     ///< of what goes
 };
 
 /// A path of this host that stands in the words by another name.
@@ -31,11 +31,11 @@ struct TLMappedPath {
 /// What a launch of one step would do, without doing any of it: the dry run. Nothing is started and
 /// no file is changed; the words are those of a later launch from the same files.
 struct TLLaunchPlan {
-  TLStartWay way = TLStartWay::none;  ///< `none` also for a step that the task file disables.
-  RWCString host;      ///< on which the process is started
-  RWCString farHost;   ///< the step's host and login as copies have them
-  bool win32 = false;  ///< kind of the step's host
-  RWCString program;   ///< Its name as it is given to whoever starts it.
+  TLStartWay way = TLStartWay::none;       ///< `none` also for a step that the task file disables.
+  RWCString host;                          ///< on which the process is started
+  RWCString farHost;                       ///< the step's host and login as copies have them
+  bool win32 = false;                      ///< kind of the step's host
+  RWCString program;                       ///< Its name as it is given to whoever starts it.
   std::vector<RWCString> words;            ///< Its arguments, one a word, without the program.
   RWCString runFile;                       ///< of a flow solver; empty for none
   std::vector<TLLaunchFile> written;       ///< files made here; `text` empty where it is a record's

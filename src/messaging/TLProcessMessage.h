@@ -68,8 +68,8 @@ class TLProcessMessage : public RefCounted {
   Handle<TLSteeringParameters> steering;          ///< where received values land; may be none
   std::vector<Handle<TLSubMessage>> subMessages;  ///< in the order of the wire
   std::int32_t tag = 1;                           ///< The message's code; below 1 it can't be sent.
-  std::int32_t source = -1;  ///< sender, filled on receive
-  std::int32_t destination = -1;  ///< Task identifier of the receiver; -1: none.
+  std::int32_t source = -1;                       ///< sender, filled on receive
+  std::int32_t destination = -1;                  ///< Task identifier of the receiver; -1: none.
 
  private:
   bool take(std::int32_t buffer);

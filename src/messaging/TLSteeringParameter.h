@@ -81,12 +81,12 @@ class TLSteeringParameter : public RefCounted {
   double version = 2.0;                      ///< As read; 2.0 is what is written.
   std::int32_t type = TL_STEERING_RESIDUAL;  ///< change it with setType
   RWCString typeName = "UNDEFINED";          ///< The kind in words.
-  RWCString userName = "UNDEFINED";  ///< read, never written
+  RWCString userName = "UNDEFINED";          ///< read, never written
   RWCString valueUnitsName = "UNDEFINED";  ///< Name of the quantity whose units the ordinates have.
-  RWCString name = "UNDEFINED";  ///< identifies the parameter in all messages
-  std::int32_t typeId = 1;       ///< The kind's id in the database.
-  std::int32_t typeOpsel = 1;    ///< The kind's option in the database.
-  RWCString condition;  ///< read, never written
+  RWCString name = "UNDEFINED";            ///< identifies the parameter in all messages
+  std::int32_t typeId = 1;                 ///< The kind's id in the database.
+  std::int32_t typeOpsel = 1;              ///< The kind's option in the database.
+  RWCString condition;                     ///< read, never written
   /// Settings; the lists are sent by kind, each in its order.
   std::vector<Handle<TLChoiceEntry>> choiceEntries;
   std::vector<Handle<TLRealEntry>> realEntries;        ///< Likewise.

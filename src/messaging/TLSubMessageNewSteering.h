@@ -18,6 +18,6 @@ class TLSubMessageNewSteering : public TLSubMessage {
   std::int32_t type() const override { return 9; }
 
   Handle<TLSteeringParameters> parameters;  ///< Shared with whoever made it; null for none.
-  std::int32_t firstOutputIteration = -1;  ///< first one with output; -1: none
-  std::int32_t lastOutputIteration = -1;   ///< last one of the series; -1: none
+  std::int32_t firstOutputIteration = -1;   ///< first one with output; -1: none
+  std::int32_t lastOutputIteration = -1;    ///< last one of the series; -1: none
 };

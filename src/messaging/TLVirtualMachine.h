@@ -17,8 +17,8 @@ class TLProcessArguments;
 
 /// One host of the virtual machine.
 struct TLVirtualMachineHost {
-  std::int32_t tid = 0;  ///< of the host's daemon
-  RWCString name;        ///< As the host file or the console named it.
+  std::int32_t tid = 0;    ///< of the host's daemon
+  RWCString name;          ///< As the host file or the console named it.
   RWCString arch;          ///< "WIN32" for a Windows host
   std::int32_t speed = 0;  ///< relative speed
   std::int32_t dsig = 0;   ///< data signature

@@ -6,10 +6,14 @@ namespace {
 std::ostream* gConsole = nullptr;
 }
 
-std::ostream& console() { return gConsole == nullptr ? std::cout : *gConsole; }
+std::ostream& console() {
+  return gConsole == nullptr ? std::cout : *gConsole;
+}
 
 TLConsoleRedirect::TLConsoleRedirect(std::ostream& target) : previous_(gConsole) {
   gConsole = &target;
 }
 
-TLConsoleRedirect::~TLConsoleRedirect() { gConsole = previous_; }
+TLConsoleRedirect::~TLConsoleRedirect() {
+  gConsole = previous_;
+}

@@ -10,7 +10,8 @@ class TLFileDescriptor {
   /// Takes `descriptor` over; -1 for none.
   explicit TLFileDescriptor(int descriptor = -1) : descriptor_(descriptor) {}
   /// Takes the other's descriptor over; that one then holds none.
-  TLFileDescriptor(TLFileDescriptor&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+  TLFileDescriptor(TLFileDescriptor&& other) noexcept
+      : descriptor_(std::exchange(other.descriptor_, -1)) {}
   /// Exchanges the descriptors; the former one is closed with `other`.
   TLFileDescriptor& operator=(TLFileDescriptor&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);

@@ -20,10 +20,10 @@ enum class TLHostKind {
 /// The programs by which the suite handles local files; each text is ready to be followed by names
 /// and ends in a blank.
 struct TLFileCommands {
-  std::string remove;      ///< one file
-  std::string removeTree;  ///< a directory with all in it
-  std::string copy;        ///< One file.
-  std::string move;  ///< replaces its target
+  std::string remove;         ///< one file
+  std::string removeTree;     ///< a directory with all in it
+  std::string copy;           ///< One file.
+  std::string move;           ///< replaces its target
   std::string makeDirectory;  ///< One level.
 };
 
@@ -85,9 +85,9 @@ class TLHostForm {
   /// @{
 
   /// Runs a command line and waits for it. Standard output and error go to `outputFile`, created
-  /// or emptied, unless that name is empty; a symbolic link is refused. Answers the exit code (128 and the signal's number for
-  /// a process that a signal ended); a start that failed answers an error code and sets `started`
-  /// false.
+  /// or emptied, unless that name is empty; a symbolic link is refused. Answers the exit code (128
+  /// and the signal's number for a process that a signal ended); a start that failed answers an
+  /// error code and sets `started` false.
   virtual int runRedirected(std::string_view command, std::string_view outputFile,
                             bool& started) = 0;
   /// Runs a command line by the system's command processor; answers its status, 0 for success.

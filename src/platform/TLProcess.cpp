@@ -144,6 +144,10 @@ void TLProcess::terminate(double graceSeconds) {
   exitCode_ = exitCodeOf(status);
 }
 
-bool processExists(int pid) { return pid > 0 && (kill(pid, 0) == 0 || errno == EPERM); }
+bool processExists(int pid) {
+  return pid > 0 && (kill(pid, 0) == 0 || errno == EPERM);
+}
 
-bool requestProcessEnd(int pid) { return pid > 0 && kill(pid, SIGTERM) == 0; }
+bool requestProcessEnd(int pid) {
+  return pid > 0 && kill(pid, SIGTERM) == 0;
+}

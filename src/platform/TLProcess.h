@@ -9,8 +9,8 @@
 struct TLProcessOptions {
   std::string outputFile;  ///< standard output and error, appended; empty: dropped
   std::map<std::string, std::string> environment;  ///< set on top of this process's own
-  std::string directory;   ///< working directory; empty: this process's
-  bool ownSession = false; ///< true: a session of its own, out of reach of the terminal's signals
+  std::string directory;                           ///< working directory; empty: this process's
+  bool ownSession = false;  ///< true: a session of its own, out of reach of the terminal's signals
   /// A descriptor of this process that becomes its standard input and output, in the place of
   /// `outputFile`; it then inherits no other but the standard error, which is dropped. -1: none.
   int channel = -1;

@@ -110,10 +110,14 @@ TLParameter* hexaParameter(const TLBlock& block, std::string_view name) {
 double numberOf(const TLParameterValue& value) {
   if (value.rows() < 1 || value.columns() < 1) return 0.0;
   switch (value.type()) {
-    case TLValueType::integer: return value.integer(0, 0);
-    case TLValueType::real: return value.real(0, 0);
-    case TLValueType::single: return value.single(0, 0);
-    case TLValueType::string: return realFrom(value.string(0, 0));
+    case TLValueType::integer:
+      return value.integer(0, 0);
+    case TLValueType::real:
+      return value.real(0, 0);
+    case TLValueType::single:
+      return value.single(0, 0);
+    case TLValueType::string:
+      return realFrom(value.string(0, 0));
   }
   return 0.0;
 }
@@ -121,10 +125,17 @@ double numberOf(const TLParameterValue& value) {
 void setNumber(TLParameterValue& value, double number) {
   if (value.rows() < 1 || value.columns() < 1) return;
   switch (value.type()) {
-    case TLValueType::integer: value.setInteger(0, 0, static_cast<std::int32_t>(number)); break;
-    case TLValueType::real: value.setReal(0, 0, number); break;
-    case TLValueType::single: value.setSingle(0, 0, static_cast<float>(number)); break;
-    case TLValueType::string: break;
+    case TLValueType::integer:
+      value.setInteger(0, 0, static_cast<std::int32_t>(number));
+      break;
+    case TLValueType::real:
+      value.setReal(0, 0, number);
+      break;
+    case TLValueType::single:
+      value.setSingle(0, 0, static_cast<float>(number));
+      break;
+    case TLValueType::string:
+      break;
   }
 }
 
@@ -168,10 +179,10 @@ void addHeatSources(TLSubProject& computation) {
     TLNamedChild<TLVolumicHeatSource> source{"spherical_heat_source",
                                              makeHandle<TLVolumicHeatSource>()};
     source.record->setSphere(hexaNumber(*block, "heatSrcTrm_"),
-                            {hexaNumber(*block, "xCenterSphereVolHeatSrcTrm_"),
-                             hexaNumber(*block, "yCenterSphereVolHeatSrcTrm_"),
-                             hexaNumber(*block, "zCenterSphereVolHeatSrcTrm_")},
-                            hexaNumber(*block, "radiusSphereVolHeatSrcTrm_"));
+                             {hexaNumber(*block, "xCenterSphereVolHeatSrcTrm_"),
+                              hexaNumber(*block, "yCenterSphereVolHeatSrcTrm_"),
+                              hexaNumber(*block, "zCenterSphereVolHeatSrcTrm_")},
+                             hexaNumber(*block, "radiusSphereVolHeatSrcTrm_"));
     block->heatSources.push_back(std::move(source));
   }
 }

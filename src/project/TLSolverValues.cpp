@@ -11,7 +11,9 @@ std::vector<double> TLSolverValues::reals(std::string_view descriptor) const {
   return parameters_.reals(descriptor);
 }
 
-bool TLSolverValues::has(std::string_view descriptor) const { return parameters_.has(descriptor); }
+bool TLSolverValues::has(std::string_view descriptor) const {
+  return parameters_.has(descriptor);
+}
 
 void TLSolverValues::setInteger(std::string_view descriptor, std::int32_t value) {
   parameters_.setIntegers(descriptor, {value});

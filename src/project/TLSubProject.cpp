@@ -34,9 +34,8 @@ void writeReferenceFile(const R& record, TLTextSink& sink, std::string_view lite
 TLKeyResult readRelativeReferenceFile(R& record, TLKeyContext& context) {
   RWCString path;
   if (context.reader.readStrings(context.line, path) == 0) return TLKeyResult::failed;
-  record.referenceRunFile =
-      TLFile(TLProject::resolvePath(record.projectFile(), record.referenceRunFile.path(), path,
-                                    record.subProjectFlag != 0));
+  record.referenceRunFile = TLFile(TLProject::resolvePath(
+      record.projectFile(), record.referenceRunFile.path(), path, record.subProjectFlag != 0));
   return TLKeyResult::next;
 }
 
@@ -135,16 +134,20 @@ void writeIfNonDeterministic(const R& record, TLTextSink& sink, std::string_view
   if (record.isNonDeterministic()) sink << literal << record.*Member << '\n';
 }
 
-TLKeyResult passOver(R& /*record*/, TLKeyContext& /*context*/) { return TLKeyResult::next; }
+TLKeyResult passOver(R& /*record*/, TLKeyContext& /*context*/) {
+  return TLKeyResult::next;
+}
 
 /// Row of one of the three reals of a value with its spread.
 template <auto Value, auto Part>
 constexpr TLKey<R> spreadKey(std::string_view word, int place, std::string_view literal) {
-  return {word, "",
+  return {word,
+          "",
           [](R& record, TLKeyContext& context) {
             return nextIf(context.reader.readReal(context.line, (record.*Value).*Part));
           },
-          place, literal,
+          place,
+          literal,
           [](const R& record, TLTextSink& sink, std::string_view text) {
             sink << text << (record.*Value).*Part << '\n';
           }};
@@ -308,10 +311,12 @@ const TLKeyTable<R>& table() {
           childKey<&R::uncertaintyEntries>("UncertaintyEntry"),
           {"tl_begin", "tl_module", &enterModule},
           {"tl_begin", "", &skipBlock<R>},
-          // Written and never read. A count that is written under one word and read under another is
-          // lost by a save and a reload.
-          {"COARSE_FLAG", "", &passOver, 13,                               "    COARSE_FLAG                      ", &writeCoarseFlag},
-          {"NUMBER_OF_GRID_LEVEL", "", &passOver, 14,                      "    NUMBER_OF_GRID_LEVEL             ", &writeGridLevels},
+          // Written and never read. A count that is written under one word and read under another
+          // is lost by a save and a reload.
+          {"COARSE_FLAG", "", &passOver, 13, "    COARSE_FLAG                      ",
+           &writeCoarseFlag},
+          {"NUMBER_OF_GRID_LEVEL", "", &passOver, 14, "    NUMBER_OF_GRID_LEVEL             ",
+           &writeGridLevels},
           {"ALL_HARMONICS_ON", "", &passOver},
           // Marks for people only.
           {"START_UNITS_OF_THE_COMPUTATION", "", &passOver},
@@ -409,8 +414,7 @@ void writeConditionSection(const R& record, TLTextSink& sink) {
 
 }  // namespace
 
-TLSubProject::TLSubProject(std::int32_t type)
-    : projectType(type), grid(makeHandle<TLGrid>(type)) {}
+TLSubProject::TLSubProject(std::int32_t type) : projectType(type), grid(makeHandle<TLGrid>(type)) {}
 
 int TLSubProject::read(TLTextSource& source) {
   for (auto* list : {&valueUnitsIndices, &nbHarmonicsPerRank}) list->clear();

@@ -110,9 +110,9 @@ class TLSubProject : public RefCounted {
   TLSpreadValue pressureRatio;               ///< Without unit, as is the efficiency.
   TLSpreadValue perfCurvePressure;           ///< Pressure of its point on a performance curve.
   TLSpreadValue massFlow;                    ///< In the computation's units, as the pressure.
-  double uncertaintyWeightFactor = 0.0;  ///< written for non-deterministic computations only
-  std::int32_t uncertaintyGridType = 0;  ///< written for non-deterministic computations only
-  RWCString fluidName = "unknown";       ///< Of the first fluid, when there is one.
+  double uncertaintyWeightFactor = 0.0;      ///< written for non-deterministic computations only
+  std::int32_t uncertaintyGridType = 0;      ///< written for non-deterministic computations only
+  RWCString fluidName = "unknown";           ///< Of the first fluid, when there is one.
   RWCString fluidType = "unknown";      ///< "Perfect Gas", "Incompressible", "Real Gas" and others.
   RWCString subtaskStatus = "unknown";  ///< How its last step ended. Carried.
   RWCString steamTablesPath = "unknown";          ///< Directory of thermodynamic tables, for steam.

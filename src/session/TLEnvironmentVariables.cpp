@@ -226,8 +226,9 @@ class SetUp {
     set("TL_PVM_USER_DIR", home_ + separated("/.talven/pvm"));
   }
 
-  /// The virtual machine starts its tasks with its own environment, and adds what is named here. Its
-  /// own variables are each host's: a tool elsewhere would not find the directory of this one's.
+  /// The virtual machine starts its tasks with its own environment, and adds what is named here.
+  /// Its own variables are each host's: a tool elsewhere would not find the directory of this
+  /// one's.
   void exportToChildren() {
     RWCString names = form_.variableOrEmpty("PVM_EXPORT");
     for (const auto& name : exported_) {

@@ -10,8 +10,8 @@
 
 /// Files that went to a step's host, or came back.
 struct TLKeptCopy {
-  std::string direction;  ///< "to" or "from"
-  std::string host;       ///< The other side of the copy.
+  std::string direction;           ///< "to" or "from"
+  std::string host;                ///< The other side of the copy.
   std::int32_t files = 0;          ///< Files, patterns and trees; 0 when it isn't known.
   std::int64_t bytes = 0;          ///< as far as known
   double started = 0;              ///< seconds since the epoch
@@ -31,7 +31,7 @@ struct TLKeptStep {
   std::vector<std::int32_t> blockCells;    ///< weight of each block; 0 unknown
   std::vector<std::string> processHosts;   ///< host of each process of a parallel run
   std::vector<TLKeptCopy> copies;          ///< In the order in which they were made.
-  std::vector<TLPlotSeries> residuals;  ///< over the iterations, each of kMostPoints at most
+  std::vector<TLPlotSeries> residuals;     ///< over the iterations, each of kMostPoints at most
 };
 
 /// The record that a run leaves for a report: its last state and what the state file has no room

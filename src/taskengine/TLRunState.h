@@ -34,10 +34,10 @@ struct TLRunStateStep {
   std::string silentHost;  ///< a host that doesn't answer, for which the step waits; empty: none
   double silentSince = 0;  ///< when it was asked; 0: there is none
 
-  std::int32_t iteration = 0;        ///< the last one that its solver has told; 0 none
-  std::int32_t iterationsAsked = 0;  ///< 0 unknown
+  std::int32_t iteration = 0;                 ///< the last one that its solver has told; 0 none
+  std::int32_t iterationsAsked = 0;           ///< 0 unknown
   std::vector<TLRunStateResidual> residuals;  ///< In the order in which the solver told them.
-  std::string lastText;  ///< what it last had to say to the user
+  std::string lastText;                       ///< what it last had to say to the user
 
   /// What of its files is on its way to its host or back, and what a failed copy left where.
   TLTransferProgress transfer;
@@ -61,8 +61,8 @@ class TLRunState {
   std::string host;      ///< Where the daemon runs.
   std::string taskFile;  ///< full path
   std::string taskName;  ///< As the task file says; "unknown" when it doesn't.
-  std::string logFile;  ///< where the output of the steps is collected; empty if nowhere
-  double started = 0;   ///< seconds since the epoch
+  std::string logFile;   ///< where the output of the steps is collected; empty if nowhere
+  double started = 0;    ///< seconds since the epoch
   std::vector<TLRunStateStep> steps;  ///< In the order of the task.
 
   bool operator==(const TLRunState&) const = default;

@@ -31,8 +31,8 @@ struct TLStepEnd {
 
   Kind kind = Kind::process;  ///< As last noted.
   RWCString detail;           ///< What goes with the kind; empty for none.
-  bool announced = false;  ///< its end message came
-  bool crashed = false;    ///< it is one that announces its end, and didn't
+  bool announced = false;     ///< its end message came
+  bool crashed = false;       ///< it is one that announces its end, and didn't
   /// As the wait of a UNIX system answers it; none when nobody told. Of several processes that of
   /// the worst end.
   std::optional<std::int32_t> waitStatus;

@@ -157,9 +157,9 @@ class TLSubTask : public RefCounted {
 
   /// @name The record, in its order.
   /// @{
-  TLProcessMessage finishMessage;  ///< end message kept; its tag is a state, see above
-  TLProcessMessage errorLines;     ///< texts of message 8, the lines of a crash report
-  TLLoadBalancing loadBalancing;   ///< Processes, distribution and queue of a parallel run.
+  TLProcessMessage finishMessage;     ///< end message kept; its tag is a state, see above
+  TLProcessMessage errorLines;        ///< texts of message 8, the lines of a crash report
+  TLLoadBalancing loadBalancing;      ///< Processes, distribution and queue of a parallel run.
   TLProcessArguments spawnArguments;  ///< command line as last composed at launch
   /// Numbers that the processes reported of themselves (message 20).
   std::vector<std::int32_t> processIds;
@@ -169,30 +169,30 @@ class TLSubTask : public RefCounted {
   /// In step with `parents`: 1 when that parent lacks the current steering values.
   std::vector<std::int32_t> parentSteeringDirty;
   std::int32_t steeringDirty = 0;  ///< 1 from a message 15 until the steering was next sent.
-  RWCString remoteLogin;  ///< empty: the same user
+  RWCString remoteLogin;           ///< empty: the same user
   std::vector<Handle<TLProcessMessage>> inbox;  ///< Received, not yet handled.
   Handle<TLSteeringParameters> steering;        ///< Never null but after applyNewSteering(null).
-  TLProcessArguments arguments;      ///< as the task file gives them
-  RWCString executable = "unknown";  ///< program, without directory
-  RWCString hostName = "unknown";    ///< As the virtual machine's table has it.
-  std::int32_t isWin32Host = 1;      ///< 1 also for a host that the table lacks.
-  RWCString remoteTmpDir;          ///< where run directories are made on a remote host
-  RWCString remoteRunDir;          ///< the one made for this run; empty for none
-  RWCString name = "unknown";      ///< kind of the step
-  std::int32_t startingDate = -1;  ///< -1 at once, -2 after `startAfterTask`
-  std::int32_t endingDate = -1;    ///< Carried, without effect here.
-  std::int32_t status = Pending;   ///< A Status.
+  TLProcessArguments arguments;                 ///< as the task file gives them
+  RWCString executable = "unknown";             ///< program, without directory
+  RWCString hostName = "unknown";               ///< As the virtual machine's table has it.
+  std::int32_t isWin32Host = 1;                 ///< 1 also for a host that the table lacks.
+  RWCString remoteTmpDir;                       ///< where run directories are made on a remote host
+  RWCString remoteRunDir;                       ///< the one made for this run; empty for none
+  RWCString name = "unknown";                   ///< kind of the step
+  std::int32_t startingDate = -1;               ///< -1 at once, -2 after `startAfterTask`
+  std::int32_t endingDate = -1;                 ///< Carried, without effect here.
+  std::int32_t status = Pending;                ///< A Status.
   std::int32_t stopRequest = 0;  ///< 1 after the script asked a marine solver to stop by file
   std::int32_t waitingTask = 1;  ///< 1 waits for all steps before it, 0 runs beside them
   std::int32_t automaticMemoryEstimation = 1;  ///< 1: the solver sizes its memory itself. Carried.
-  std::int32_t userSolverPrecision = 0;  ///< 0 single, 1 double
-  std::int64_t integerSize = 1000000;    ///< Integers that a solver makes room for. Carried.
-  std::int64_t realSize = 1000000;       ///< Reals likewise. Carried.
-  std::int32_t index = 0;  ///< place in the task, from 0, set at its start
+  std::int32_t userSolverPrecision = 0;        ///< 0 single, 1 double
+  std::int64_t integerSize = 1000000;          ///< Integers that a solver makes room for. Carried.
+  std::int64_t realSize = 1000000;             ///< Reals likewise. Carried.
+  std::int32_t index = 0;                      ///< place in the task, from 0, set at its start
   std::int32_t steeringAsked = 0;    ///< 1 once a solver asked for its settings (message 14).
   RWCString startAfterTask;          ///< Name of the task to wait for; empty for none.
   VPartParameters virtualPartition;  ///< Settings of the solver's own partition of the mesh.
-  std::int32_t enabled = 1;  ///< 0: start() finishes the step at once
+  std::int32_t enabled = 1;          ///< 0: start() finishes the step at once
   /// Of the performance curve. Carried.
   RWCString perfCurveName = "unknown";
   /// @}

@@ -8,8 +8,8 @@
 /// What of a step's files is on its way between this host and the step's, and what is left of it.
 /// Before and between transfers `direction` is empty.
 struct TLTransferProgress {
-  RWCString direction;  ///< "to" or "from" the host; empty: nothing is carried at the moment
-  RWCString host;       ///< The step's host, the far side.
+  RWCString direction;         ///< "to" or "from" the host; empty: nothing is carried at the moment
+  RWCString host;              ///< The step's host, the far side.
   RWCString file;              ///< what is carried now: a path, or a pattern with a star
   std::int32_t number = 0;     ///< of `file` among all, from 1
   std::int32_t count = 0;      ///< of all files, patterns and trees; 0 when it isn't known

@@ -40,7 +40,7 @@ struct TLKey {
   std::string_view secondWord;  ///< Empty: one word is enough.
   /// What is done with the line; may read on.
   TLKeyResult (*action)(Record& record, TLKeyContext& context);
-  int place = 0;  ///< order of writing, from 1; 0: only read
+  int place = 0;                  ///< order of writing, from 1; 0: only read
   std::string_view literal = {};  ///< With all blanks up to the value.
   /// Null for a row without a place.
   void (*write)(const Record& record, TLTextSink& sink, std::string_view literal) = nullptr;
@@ -191,9 +191,12 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
     }
     context.blockName = row->secondWord;
     switch (row->action(record, context)) {
-      case TLKeyResult::next: break;
-      case TLKeyResult::done: return 1;
-      case TLKeyResult::failed: return 0;
+      case TLKeyResult::next:
+        break;
+      case TLKeyResult::done:
+        return 1;
+      case TLKeyResult::failed:
+        return 0;
     }
   }
 }
@@ -203,7 +206,9 @@ int readBlock(Record& record, TLTextSource& source, const TLKeyTable<Record>& ta
 int readVersion(std::string_view line, std::string_view failure, double& version);
 
 /// The result of an action that has read with `good` as its answer (1 or 0).
-inline TLKeyResult nextIf(int good) { return good != 0 ? TLKeyResult::next : TLKeyResult::failed; }
+inline TLKeyResult nextIf(int good) {
+  return good != 0 ? TLKeyResult::next : TLKeyResult::failed;
+}
 
 /// Action of a value row: one typed operation of the reader into one member.
 ///   {"status", "", &readMember<&TLSubTask::status_, &TLTokenReader::readInteger>}
@@ -272,7 +277,8 @@ template <auto Member, auto Operation,
           class Record = typename TLMemberTraits<decltype(Member)>::Class>
 constexpr TLKey<Record> valueKey(std::string_view word, int place = 0,
                                  std::string_view literal = {}) {
-  return {word, "",
+  return {word,
+          "",
           [](Record& record, TLKeyContext& context) {
             if constexpr (std::is_member_function_pointer_v<decltype(Operation)>) {
               return nextIf((context.reader.*Operation)(context.line, record.*Member));
@@ -280,7 +286,8 @@ constexpr TLKey<Record> valueKey(std::string_view word, int place = 0,
               return nextIf(Operation(context.reader, context.line, record.*Member));
             }
           },
-          place, literal,
+          place,
+          literal,
           [](const Record& record, TLTextSink& sink, std::string_view text) {
             if constexpr (isToggleOperation<Operation>()) {
               TLTokenReader::writeToggle(sink, record.*Member, text);
@@ -298,11 +305,13 @@ constexpr TLKey<Record> valueKey(std::string_view word, int place = 0,
 template <auto Member, const char* Failure,
           class Record = typename TLMemberTraits<decltype(Member)>::Class>
 constexpr TLKey<Record> versionKey(int place = 0, std::string_view literal = {}) {
-  return {"version", "",
+  return {"version",
+          "",
           [](Record& record, TLKeyContext& context) {
             return nextIf(readVersion(context.line, Failure, record.*Member));
           },
-          place, literal,
+          place,
+          literal,
           [](const Record& /*record*/, TLTextSink& sink, std::string_view text) {
             sink << text << '\n';
           }};

@@ -11,7 +11,9 @@ std::int32_t integerFrom(std::string_view text);
 double realFrom(std::string_view text);
 
 /// ASCII lower case of one character.
-inline char lowerCase(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
+inline char lowerCase(char c) {
+  return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c;
+}
 
 /// True when both hold the same characters, case ignored.
 bool equalIgnoringCase(std::string_view a, std::string_view b);

@@ -6,7 +6,9 @@
 
 namespace {
 
-bool isWhite(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isWhite(char c) {
+  return c == ' ' || (c >= '\t' && c <= '\r');
+}
 
 }  // namespace
 

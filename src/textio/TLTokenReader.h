@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "textio/RWCString.h"
-#include "textio/TLTextSource.h"
 #include "textio/TLTextSink.h"
+#include "textio/TLTextSource.h"
 
 /// Line and token reading of every text file of the suite. A reader is a local object of one
 /// record's read: it skips white space and comment lines on the stream, and takes one line apart
@@ -79,7 +79,7 @@ class TLTokenReader {
 
   /// @name Typed line operations.
   /// @{
-  int readToggle(std::string_view line, std::int32_t& value);  ///< 1 for "yes" and "YES" only.
+  int readToggle(std::string_view line, std::int32_t& value);   ///< 1 for "yes" and "YES" only.
   int readInteger(std::string_view line, std::int32_t& value);  ///< The word behind the key.
   int readFlag(std::string_view line, bool& value);             ///< An integer; any but 0 is true.
   int readIntegers2(std::string_view line, std::int32_t& a, std::int32_t& b);  ///< Two words.

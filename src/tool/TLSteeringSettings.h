@@ -14,10 +14,10 @@ Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::strin
 
 /// One value of a steering set that a user may change.
 struct TLSteeringSetting {
-  std::string name;   ///< of the parameter; "parameter/entry" where that has several
-  std::string entry;  ///< of the entry alone
-  std::string parameter;                        ///< Name of the parameter that has the entry.
-  std::string_view kind;                        ///< "real", "integer", "choice", "vector", "text"
+  std::string name;       ///< of the parameter; "parameter/entry" where that has several
+  std::string entry;      ///< of the entry alone
+  std::string parameter;  ///< Name of the parameter that has the entry.
+  std::string_view kind;  ///< "real", "integer", "choice", "vector", "text"
   std::function<std::string()> value;           ///< as text
   std::function<bool(std::string_view)> store;  ///< false, with nothing changed, for a wrong text
   std::string wanted;                           ///< what a right text is: "a number"
