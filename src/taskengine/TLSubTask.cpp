@@ -7,7 +7,6 @@
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
-#include "platform/TLHostForm.h"
 #include "taskengine/TLLauncher.h"
 #include "taskengine/TLTask.h"
 #include "taskengine/TLTaskGlobals.h"
@@ -93,7 +92,6 @@ int TLSubTask::start() {
     return 0;
   }
   hostWasKnown_ = hostIsKnown(hostName);
-  memoryKillsBefore_ = hostForm().memoryKills();
   const int result = launch();
   if (result == 0 && status == FinishedOk) noteEnd(TLStepEnd::Kind::needless);
   return result;

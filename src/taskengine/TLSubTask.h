@@ -249,6 +249,5 @@ class TLSubTask : public RefCounted {
   RWCString queueAnswer_;  ///< what the queuing system said last
   TLStepEnd end_;
   bool endExplained_ = false;
-  bool hostWasKnown_ = false;           ///< by the virtual machine, at the start
-  std::int64_t memoryKillsBefore_ = 0;  ///< of the kernel, at the start
+  bool hostWasKnown_ = false;  ///< by the virtual machine, at the start
 };

@@ -1,4 +1,6 @@
 // Why a step ended, in words.
+#include <utility>
+
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLHostForm.h"
 #include "taskengine/TLMessageItems.h"
@@ -14,6 +16,12 @@ RWCString joinedTexts(const TLProcessMessage& message) {
     if (text != nullptr) all += (all.empty() ? "" : "; ") + *text;
   }
   return all;
+}
+
+/// Whether the kernel has killed anything for want of memory since this was asked last.
+bool memoryWasShort() {
+  const std::int64_t before = std::exchange(gMemoryKills, hostForm().memoryKills());
+  return gMemoryKills > before;
 }
 
 }  // namespace
@@ -63,7 +71,7 @@ void TLSubTask::explainEnd() {
   if (end.kind == TLStepEnd::Kind::process && hostWasKnown_ && !hostIsKnown(hostName)) {
     end.kind = TLStepEnd::Kind::hostLost;
   }
-  end.memoryWasShort = hostName == ownHostName() && hostForm().memoryKills() > memoryKillsBefore_;
+  end.memoryWasShort = memoryWasShort() && hostName == ownHostName();
   end.errors = joinedTexts(errorLines);
   end.log = logFile.empty() ? gCatchoutFileName : logFile;
   endReason = end.sentence();

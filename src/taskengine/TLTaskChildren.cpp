@@ -43,6 +43,7 @@ TLTaskChildren::~TLTaskChildren() = default;
 
 int TLTaskChildren::start() {
   status = Running;
+  gMemoryKills = hostForm().memoryKills();
   for (std::int32_t i = 0; i < subTaskCount(); ++i) {
     TLSubTask& step = *subTask(i);
     step.status = Pending;

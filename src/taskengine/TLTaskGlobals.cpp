@@ -7,6 +7,7 @@ RWCString gCatchoutFileName;
 std::FILE* gCatchoutFile = nullptr;
 RWCString gTaskHostName;
 RWCString gLastError;
+std::int64_t gMemoryKills = 0;
 
 namespace {
 void (*gEnd)() = nullptr;

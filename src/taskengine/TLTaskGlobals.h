@@ -23,6 +23,9 @@ extern std::FILE* gCatchoutFile;
 extern RWCString gTaskHostName;
 /// The last launching error.
 extern RWCString gLastError;
+/// Processes that the kernel has killed for want of memory, as last looked at: at the start of the
+/// task, and at each end of a step, which asks whether there are more.
+extern std::int64_t gMemoryKills;
 
 /// The one orderly end of the process. Doesn't return in the daemon, where `main` has named what
 /// it does; does nothing in a program that never named it.
