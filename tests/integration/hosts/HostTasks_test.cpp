@@ -358,7 +358,7 @@ TEST_F(HostTasks, RanksOnTwoHostsReport) {
             "  case $word in *.run) run=$word ;; esac\ndone\n"
             "ssh -q gamma PVM_VMID=$PVM_VMID tlfaketool -parendId $daemon "
             "-do \"'reconnect $daemon $run'\" -do \"'text rank on gamma'\" "
-            "-do \"'await 21 60'\" </dev/null >/dev/null 2>&1 &\n"
+            "-do \"'await 21 60'\" -do finished </dev/null >/dev/null 2>&1 &\n"
             "exec /mnt/programs/tlfaketool \"$@\"\n");
   TestDaemon daemon(
       TestDaemon::task(farStep("VELSTRA", "velstraTurbo", dir.file("w/case.run"),
