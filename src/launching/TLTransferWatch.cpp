@@ -97,7 +97,9 @@ bool TLTransferWatch::fetch(const RWCString& there, const RWCString& here, bool 
 
 void TLTransferWatch::complain(const RWCString& text) {
   failed_ = true;
-  if (step_.transfer.problem.empty()) step_.transfer.problem = text;
+  RWCString& problem = step_.transfer.problem;
+  // A start ends with its last copy; a retrieval goes on, and its first is what went wrong.
+  if (problem.empty() || step_.transfer.direction == "to") problem = text;
   console() << text << '\n' << std::flush;
   sayToScript(text);
 }

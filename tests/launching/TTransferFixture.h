@@ -62,7 +62,8 @@ class TTransferFixture : public testing::Test {
                                       {2, "far", "LINUX64", 1000, 1},
                                       {3, "win", "WIN32", 1000, 1}};
     recordedScript().answer = [this](const RWCString& line) {
-      if (line != "update") std::ofstream(dir.file("log"), std::ios::app) << "script " + line + "\n";
+      if (line != "update")
+        std::ofstream(dir.file("log"), std::ios::app) << "script " + line + "\n";
       return 0;
     };
   }
