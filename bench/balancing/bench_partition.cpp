@@ -13,7 +13,7 @@
 #include <sstream>
 
 #include "Lattice.h"
-#include "balancing/PlainPartition.h"
+#include "PlainPartition.h"
 #include "balancing/TLPartition.h"
 #include "platform/TLConsole.h"
 

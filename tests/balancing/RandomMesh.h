@@ -30,7 +30,10 @@ struct RandomMesh {
   }
 
  private:
-  int pick(int low, int high) { return std::uniform_int_distribution<int>(low, high)(random_); }
+  // The same on every system, as those of the library are not.
+  int pick(int low, int high) {
+    return low + static_cast<int>(random_() % static_cast<unsigned>(high - low + 1));
+  }
 
   void makeCoarsening() {
     coarsening.nbGridLevels = pick(0, 2) == 0 ? pick(1, 4) : 1;

@@ -1,4 +1,4 @@
-#include "balancing/PlainPartition.h"
+#include "PlainPartition.h"
 
 #include <cmath>
 #include <cstdlib>
