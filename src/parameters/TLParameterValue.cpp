@@ -181,6 +181,22 @@ RWCString TLParameterValue::string(std::int32_t row, std::int32_t column) const 
 float TLParameterValue::single(std::int32_t row, std::int32_t column) const {
   return get<float>(row, column);
 }
+
+std::optional<double> TLParameterValue::firstNumber() const {
+  if (rows_ < 1 || columns_ < 1) return std::nullopt;
+  switch (type()) {
+    case TLValueType::integer:
+      return integer(0, 0);
+    case TLValueType::real:
+      return real(0, 0);
+    case TLValueType::single:
+      return single(0, 0);
+    case TLValueType::string:
+      break;
+  }
+  return std::nullopt;
+}
+
 void TLParameterValue::setInteger(std::int32_t row, std::int32_t column, std::int32_t value) {
   set<std::int32_t>(row, column, value);
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <variant>
 #include <vector>
@@ -43,6 +44,8 @@ class TLParameterValue {
   RWCString string(std::int32_t row, std::int32_t column) const;
   /// Element of a table of reals in single precision.
   float single(std::int32_t row, std::int32_t column) const;
+  /// The first element of a table of numbers of any kind; nothing in an empty one or in texts.
+  std::optional<double> firstNumber() const;
   /// Replaces an element of a table of integers.
   void setInteger(std::int32_t row, std::int32_t column, std::int32_t value);
   /// Replaces an element of a table of reals.

@@ -11,20 +11,7 @@ namespace {
 
 std::optional<double> numberOf(const TLHexaParameters& parameters, std::string_view name) {
   const TLParameter* parameter = parameters.find(name);
-  if (parameter == nullptr) return std::nullopt;
-  const auto& value = parameter->value;
-  if (value.rows() < 1 || value.columns() < 1) return std::nullopt;
-  switch (value.type()) {
-    case TLValueType::integer:
-      return value.integer(0, 0);
-    case TLValueType::real:
-      return value.real(0, 0);
-    case TLValueType::single:
-      return value.single(0, 0);
-    case TLValueType::string:
-      break;
-  }
-  return std::nullopt;
+  return parameter == nullptr ? std::nullopt : parameter->value.firstNumber();
 }
 
 struct Choice {

@@ -106,20 +106,10 @@ TLParameter* hexaParameter(const TLBlock& block, std::string_view name) {
   return block.hexaParameters ? block.hexaParameters->find(name) : nullptr;
 }
 
-/// The first element of a value as a number, whatever its type; 0 for a text and without one.
+/// The first element of a value, read as a number where it is a text; 0 without one.
 double numberOf(const TLParameterValue& value) {
-  if (value.rows() < 1 || value.columns() < 1) return 0.0;
-  switch (value.type()) {
-    case TLValueType::integer:
-      return value.integer(0, 0);
-    case TLValueType::real:
-      return value.real(0, 0);
-    case TLValueType::single:
-      return value.single(0, 0);
-    case TLValueType::string:
-      return realFrom(value.string(0, 0));
-  }
-  return 0.0;
+  const bool text = value.type() == TLValueType::string && value.rows() > 0 && value.columns() > 0;
+  return text ? realFrom(value.string(0, 0)) : value.firstNumber().value_or(0.0);
 }
 
 void setNumber(TLParameterValue& value, double number) {

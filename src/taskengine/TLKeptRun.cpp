@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "platform/TLHostForm.h"
+#include "taskengine/TLVersionedJson.h"
 
 namespace {
 
@@ -167,15 +168,7 @@ void TLKeptRun::keepLog(const std::string& directory) {
 }
 
 std::optional<TLKeptRun> TLKeptRun::load(const std::string& path) {
-  const auto text = hostForm().readFile(path);
-  if (!text) return std::nullopt;
-  try {
-    const Json json = Json::parse(*text);
-    if (json.value("version", 0) != kVersion) return std::nullopt;
-    return fromJson(json);
-  } catch (const Json::exception&) {
-    return std::nullopt;
-  }
+  return readVersionedJson(path, kVersion, fromJson);
 }
 
 std::vector<TLKeptRun> TLKeptRun::list(const std::string& directory) {

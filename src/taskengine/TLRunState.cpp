@@ -9,6 +9,7 @@
 #include <string_view>
 
 #include "platform/TLHostForm.h"
+#include "taskengine/TLVersionedJson.h"
 
 namespace {
 
@@ -158,15 +159,7 @@ void TLRunState::remove(const std::string& directory, int pid) {
 }
 
 std::optional<TLRunState> TLRunState::load(const std::string& path) {
-  const auto text = hostForm().readFile(path);
-  if (!text) return std::nullopt;
-  try {
-    const Json json = Json::parse(*text);
-    if (json.value("version", 0) != kVersion) return std::nullopt;
-    return fromJson(json);
-  } catch (const Json::exception&) {
-    return std::nullopt;
-  }
+  return readVersionedJson(path, kVersion, fromJson);
 }
 
 std::vector<TLRunState> TLRunState::list(const std::string& directory) {

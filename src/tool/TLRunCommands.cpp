@@ -137,14 +137,18 @@ int followAndEnd(const RunOptions& options, const TLToolEnvironment& environment
   return answerOf(options, end, follower, last);
 }
 
+/// Starts a daemon on the file; answers kOk, or what the command ends with.
+int startDaemon(TLDaemonRunner& runner, const RunOptions& options) {
+  if (!runner.readTask(options.task)) return TLExitCode::kStepFailed;
+  if (runner.start()) return TLExitCode::kOk;
+  runner.stop();
+  return TLExitCode::kNobodyThere;
+}
+
 int runTask(const RunOptions& options) {
   const TLToolEnvironment environment;
   TLDaemonRunner runner(environment, options.tools);
-  if (!runner.readTask(options.task)) return TLExitCode::kStepFailed;
-  if (!runner.start()) {
-    runner.stop();
-    return TLExitCode::kNobodyThere;
-  }
+  if (const int refused = startDaemon(runner, options); refused != TLExitCode::kOk) return refused;
   TLDaemonClient client(runner.tid());
   bool left = false;
   const int code = followAndEnd(options, environment, client, runner.run(), true, left);
@@ -155,11 +159,7 @@ int runTask(const RunOptions& options) {
 int startTask(const RunOptions& options) {
   const TLToolEnvironment environment;
   TLDaemonRunner runner(environment, options.tools);
-  if (!runner.readTask(options.task)) return TLExitCode::kStepFailed;
-  if (!runner.start()) {
-    runner.stop();
-    return TLExitCode::kNobodyThere;
-  }
+  if (const int refused = startDaemon(runner, options); refused != TLExitCode::kOk) return refused;
   TLDaemonClient client(runner.tid());
   if (!client.poll(kEndPatience)) {
     complain(options.command, client.startError().empty()

@@ -138,12 +138,16 @@ TEST(HostForm, ReadOnlyFilesAreRefused) {
   chmod(dir.write("kept", "old").c_str(), 0444);
   const bool root = geteuid() == 0;
   constexpr uid_t kNobody = 65534;  // to root every file can be written
-  if (root) EXPECT_TRUE(chown(dir.path().c_str(), kNobody, kNobody) == 0 && seteuid(kNobody) == 0);
+  if (root) {
+    EXPECT_TRUE(chown(dir.path().c_str(), kNobody, kNobody) == 0 && seteuid(kNobody) == 0);
+  }
   int error = 0;
   EXPECT_FALSE(form->canWrite(dir.file("kept"), error));
   EXPECT_EQ(error, EACCES);
   EXPECT_EQ(form->replaceFile(dir.file("kept"), "new"), EACCES);
-  if (root) EXPECT_EQ(seteuid(0), 0);
+  if (root) {
+    EXPECT_EQ(seteuid(0), 0);
+  }
   EXPECT_EQ(dir.read("kept"), "old");
 }
 

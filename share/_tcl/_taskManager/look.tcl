@@ -301,10 +301,8 @@ namespace eval ::look {
     grid columnconfigure $path 0 -weight 1
   }
 
-  # Shows pairs of a name and its meaning; stays beside the window until it is closed.
-  proc tell {title pairs} {
-    set path .tell
-    destroy $path
+  # An empty dialog before the window: its contents go into $path.f, below the title.
+  proc dialog {path title} {
     toplevel $path -class Dialog -background $::look::ground -highlightthickness 1 \
         -highlightbackground $::look::edge -highlightcolor $::look::edge
     wm title $path $title
@@ -312,6 +310,13 @@ namespace eval ::look {
     wm resizable $path 0 0
     ttk::frame $path.f -padding 20
     ttk::label $path.f.title -style Section.TLabel -text $title
+  }
+
+  # Shows pairs of a name and its meaning; stays beside the window until it is closed.
+  proc tell {title pairs} {
+    set path .tell
+    destroy $path
+    dialog $path $title
     grid $path.f.title -sticky w -pady {0 8}
     set row 0
     foreach {name text} $pairs {
@@ -334,13 +339,7 @@ namespace eval ::look {
     set path .ask
     if {[winfo exists $path]} { return [lindex $choices end] }
     variable answer
-    toplevel $path -class Dialog -background $::look::ground -highlightthickness 1 \
-        -highlightbackground $::look::edge -highlightcolor $::look::edge
-    wm title $path $title
-    wm transient $path .
-    wm resizable $path 0 0
-    ttk::frame $path.f -padding 20
-    ttk::label $path.f.title -style Section.TLabel -text $title
+    dialog $path $title
     ttk::label $path.f.text -text $text -wraplength 420 -justify left
     ttk::frame $path.f.buttons
     grid $path.f.title -sticky w
