@@ -35,11 +35,6 @@ TLKeyResult readInto(TLSteeringDataBase& base, TLKeyContext& context) {
   return TLKeyResult::next;
 }
 
-// The file may hold its records in a block of their own.
-TLKeyResult enterBlock(TLSteeringDataBase& /*base*/, TLKeyContext& /*context*/) {
-  return TLKeyResult::next;
-}
-
 const TLKeyTable<TLSteeringDataBase>& baseKeys() {
   using B = TLSteeringDataBase;
   static const TLKeyTable<B> keys(
@@ -47,7 +42,6 @@ const TLKeyTable<TLSteeringDataBase>& baseKeys() {
       {
           {"tl_begin", "TL_steering_parameter_interface", &readInto<&B::interfaceParameters>},
           {"tl_begin", "TL_steering_parameter", &readInto<&B::solverParameters>},
-          {"tl_begin", "TL_steering_parameter_database", &enterBlock},
           {"tl_begin", "", &skipBlock<B>},
           {"tl_end", "", &endBlock<B>},
       });

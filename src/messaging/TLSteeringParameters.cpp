@@ -23,11 +23,6 @@ TLKeyResult readParameter(TLSteeringParameters& set, TLKeyContext& context) {
   return TLKeyResult::next;
 }
 
-// A set may stand in a block of its own.
-TLKeyResult enterBlock(TLSteeringParameters& /*set*/, TLKeyContext& /*context*/) {
-  return TLKeyResult::next;
-}
-
 const TLKeyTable<TLSteeringParameters>& setKeys() {
   using S = TLSteeringParameters;
   static const TLKeyTable<S> keys(
@@ -36,7 +31,6 @@ const TLKeyTable<TLSteeringParameters>& setKeys() {
           {"version", "", &readVersionNumber},
           valueKey<&S::updateInBatch, &TLTokenReader::readInteger>("updateinbatch"),
           {"tl_begin", "TL_steering_parameter", &readParameter},
-          {"tl_begin", "TL_steering_parameter_database", &enterBlock},
           {"tl_begin", "", &skipBlock<S>},
       },
       {"TL_steering_parameter_database"});

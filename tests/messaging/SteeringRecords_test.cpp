@@ -246,6 +246,8 @@ TEST_F(SteeringFile, SetsWithoutAFileAreNeverSaved) {
 TEST_F(SteeringFile, OtherBlocksAreSkippedAndTheDataBasesEndEndsIt) {
   TLTextSource source(
       "VERSION 3\nupdateInBatch 1\nTL_BEGIN other\nVERSION\nTL_END other\n"
+      "TL_BEGIN TL_steering_parameter_database\nTL_BEGIN TL_steering_parameter\n"
+      "TL_END TL_steering_parameter\nTL_END TL_steering_parameter_database\n"
       "TL_BEGIN TL_steering_parameter\nTL_END TL_steering_parameter\n"
       "TL_END TL_steering_parameter_database\nVERSION\n");
   EXPECT_EQ(set_.readText(source), 1);
@@ -257,7 +259,8 @@ TEST_F(SteeringFile, OtherBlocksAreSkippedAndTheDataBasesEndEndsIt) {
 
 TEST(SteeringDataBase, MakesParameters) {
   const std::string solver =
-      "VERSION 1\nTL_BEGIN other\n x\nTL_END other\n"
+      "VERSION 1\nTL_BEGIN TL_steering_parameter_database\nTL_BEGIN TL_steering_parameter\n"
+      "TL_END TL_steering_parameter\nTL_END TL_steering_parameter_database\n"
       "TL_BEGIN TL_steering_parameter\nNAME first\nVALUE_UNITS_NAME length\nTYPE 9\nTYPE_OPSEL 2\n"
       "TL_END TL_steering_parameter\n";
   const std::string interface =
