@@ -1,5 +1,7 @@
 #include "parameters/TLUnits.h"
 
+#include <algorithm>
+
 #include "textio/TLKeyTable.h"
 
 namespace {
@@ -31,6 +33,8 @@ TLKeyResult readUnitsName(TLUnits& units, TLKeyContext& context) {
   std::int32_t index = 0;
   RWCString name;
   if (context.reader.readIntegerName(context.line, index, name) == 0) return TLKeyResult::failed;
+  const std::int32_t system = std::clamp(index, 0, kMostSystems);
+  units.firstSystem = units.unitsNames.empty() ? system : std::min(units.firstSystem, system);
   units.unitsNames.push_back(name);
   return TLKeyResult::next;
 }
@@ -60,6 +64,7 @@ int TLUnits::read(TLTextSource& source) {
       },
       {"units_record"});
   unitsNames.clear();
+  firstSystem = 0;
   return readBlock(*this, source, keys);
 }
 

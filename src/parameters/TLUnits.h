@@ -25,4 +25,6 @@ class TLUnits : public RefCounted {
   std::int32_t size = 0;                   ///< number of systems plus one; 0 until told
   std::vector<double> factors;             ///< `size` rows of `size` columns: [from][to]
   std::vector<RWCString> unitsNames;       ///< in the order of the file
+  /// Lowest number that the file gives a unit: that of the first name. Factors go by these numbers.
+  std::int32_t firstSystem = 0;
 };

@@ -98,7 +98,7 @@ void forEachPatch(const TLSubProject& computation, Visit visit) {
 double toFirstUnit(const TLSubProject& computation, const RWCString& quantity) {
   const auto units = TLUnitsDataBase::instance().find(quantity);
   if (!units) return 1.0;
-  const double factor = units->factor(computation.unitIndex(quantity), 0);
+  const double factor = units->factor(computation.unitIndex(quantity), units->firstSystem);
   return factor == 0.0 ? 1.0 : factor;
 }
 

@@ -99,7 +99,8 @@ int TLTokenReader::skipToBlockEnd(std::string_view line) {
   const std::string_view target = opening.next();
   if (target.empty()) return 0;
   if (stream_ == nullptr) return 1;
-  while (!stream_->atEnd()) {
+  // A text that doesn't end in a new line ends with its last line, any other one behind it.
+  while (!stream_->atEnd() || stream_->text().empty() || stream_->text().back() == '\n') {
     const std::string_view candidate = stream_->readLine();
     if (candidate.empty()) return 0;
     TLTokens tokens(candidate);

@@ -55,16 +55,21 @@ std::string namesOf(const TLUnits& units) {
   return names;
 }
 
-// Place of a unit, told by its name or by its number from 0.
-std::optional<std::int32_t> placeOf(const TLUnits& units, const std::string& unit) {
-  const auto count = static_cast<std::int32_t>(units.unitsNames.size());
-  for (std::int32_t i = 0; i < count; ++i) {
-    if (units.unitsName(i) == unit) return i;
+RWCString nameOf(const TLUnits& units, std::int32_t system) {
+  return units.unitsName(system - units.firstSystem);
+}
+
+// Number of a unit, told by its name or by that number. Files count from 0 or from 1.
+std::optional<std::int32_t> systemOf(const TLUnits& units, const std::string& unit) {
+  const std::int32_t first = units.firstSystem;
+  const std::int32_t behind = first + static_cast<std::int32_t>(units.unitsNames.size());
+  for (std::int32_t i = first; i < behind; ++i) {
+    if (nameOf(units, i) == unit) return i;
   }
-  std::int32_t place = 0;
+  std::int32_t system = 0;
   const auto* end = unit.data() + unit.size();
-  const auto [rest, error] = std::from_chars(unit.data(), end, place);
-  if (error == std::errc() && rest == end && place >= 0 && place < count) return place;
+  const auto [rest, error] = std::from_chars(unit.data(), end, system);
+  if (error == std::errc() && rest == end && system >= first && system < behind) return system;
   return std::nullopt;
 }
 
@@ -79,8 +84,8 @@ int convert(const UnitsOptions& options) {
     }
     return refuse(fmt::format("no quantity \"{}\"; there are: {}", options.quantity, known));
   }
-  const auto from = placeOf(*units, options.from);
-  const auto to = placeOf(*units, options.to);
+  const auto from = systemOf(*units, options.from);
+  const auto to = systemOf(*units, options.to);
   if (!from || !to) {
     return refuse(fmt::format("\"{}\" is no unit of {}; there are: {}",
                               !from ? options.from : options.to, options.quantity,
@@ -88,19 +93,19 @@ int convert(const UnitsOptions& options) {
   }
   const double factor = units->factor(*from, *to);
   if (factor == 0.0) {
-    return refuse(fmt::format("the units file has no factor from {} to {}", units->unitsName(*from),
-                              units->unitsName(*to)));
+    return refuse(fmt::format("the units file has no factor from {} to {}", nameOf(*units, *from),
+                              nameOf(*units, *to)));
   }
   const double result = options.value * factor;
   if (options.json) {
     printAnswer("units", {{"quantity", options.quantity},
-                          {"from", units->unitsName(*from)},
-                          {"to", units->unitsName(*to)},
+                          {"from", nameOf(*units, *from)},
+                          {"to", nameOf(*units, *to)},
                           {"factor", factor},
                           {"value", options.value},
                           {"result", result}});
   } else {
-    fmt::print("{:.10g} {}\n", result, units->unitsName(*to));
+    fmt::print("{:.10g} {}\n", result, nameOf(*units, *to));
   }
   return TLExitCode::kOk;
 }
@@ -114,7 +119,7 @@ std::vector<TLCommand> unitsCommands() {
            [](CLI::App& app) -> std::function<int()> {
              auto options = std::make_shared<UnitsOptions>();
              app.add_option("VALUE", options->value, "the value")->required();
-             app.add_option("FROM", options->from, "its unit: name, or number from 0")->required();
+             app.add_option("FROM", options->from, "its unit: name, or number")->required();
              app.add_option("TO", options->to, "the unit to give it in")->required();
              app.add_option("--quantity", options->quantity, "the quantity, such as length")
                  ->required();

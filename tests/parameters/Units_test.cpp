@@ -34,6 +34,7 @@ TEST(Units, ReadsTheFile) {
   EXPECT_THAT(length->unitsNames, ElementsAre("m", "milli metre", "inch"));
   EXPECT_EQ(length->unitsName(1), "milli metre");
   EXPECT_EQ(length->unitsName(3), "");
+  EXPECT_EQ(length->firstSystem, 0);
   EXPECT_EQ(length->size, 4);
 }
 

@@ -262,10 +262,16 @@ TEST_F(TokenReader, ABlockEndsAtAnyLineWithItsNameInSecondPlace) {
   EXPECT_EQ(source.readLine(), "between");
   EXPECT_EQ(reader.skipToBlockEnd("TL_BEGIN foo"), 1);
   EXPECT_EQ(source.readLine(), "behind");
-  EXPECT_EQ(reader.skipToBlockEnd("TL_BEGIN foo"), 1);  // nothing left to search
   EXPECT_EQ(reader.skipToBlockEnd("TL_BEGIN"), 0);
-  TLTextSource open("one line\n  \n");
-  EXPECT_EQ(TLTokenReader(open).skipToBlockEnd("TL_BEGIN foo"), 0);
+  const std::pair<const char*, int> ends[] = {{"one line\n  \n", 0},
+                                              {"one line\n", 0},
+                                              {"", 0},
+                                              {"one line", 1},
+                                              {"a line\nTL_END FOO", 1}};
+  for (const auto& [text, result] : ends) {
+    TLTextSource open(text);
+    EXPECT_EQ(TLTokenReader(open).skipToBlockEnd("TL_BEGIN foo"), result) << text;
+  }
 }
 
 }  // namespace
