@@ -101,9 +101,9 @@ TEST_F(HostTasks, AStructuredProjectGoesAndComesBack) {
        {".cgns", ".cooling-holes", ".mf", ".me.qvk", ".me.bc", ".me.uni", ".wall", ".res"}) {
     dir.write(std::string("w/a b's") + suffix, suffix);
   }
-  TestDaemon daemon(TestDaemon::task(farStep("VELSTRA", "velstraTurbo", dir.file("w/a b's.run"),
-                                             {"started", "await 21 60", "finished"})),
-                    options());
+  const std::string task = TestDaemon::task(farStep(
+      "VELSTRA", "velstraTurbo", dir.file("w/a b's.run"), {"started", "await 21 60", "finished"}));
+  TestDaemon daemon(task, options());
   ASSERT_TRUE(daemon.waitUpcall(phrase("FLOW SOLVER STARTED"))) << all(daemon);
   const fs::path far = runDirectory();
   ASSERT_FALSE(far.empty());
@@ -153,6 +153,16 @@ TEST_F(HostTasks, AStructuredProjectGoesAndComesBack) {
   EXPECT_EQ(dir.read("w/a b's.run"), mine);
   EXPECT_FALSE(dir.has("w/a b's.runtmp"));
   EXPECT_TRUE(said(daemon, "Retrieving files beta.root:" + there + "a b's.run"));
+
+  // The next run takes along what came back.
+  const TestDaemon again(task, options());
+  ASSERT_TRUE(again.waitUpcall(phrase("FLOW SOLVER STARTED"))) << all(again);
+  const fs::path next = runDirectory();
+  EXPECT_EQ(contents(next / "m.cgns"), "adapted mesh");
+  put(next / "a b's.res", "of the second run");
+  letGo(again);
+  EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(again);
+  EXPECT_EQ(dir.read("w/a b's.res"), "of the second run");
 }
 
 TEST_F(HostTasks, AnUnstructuredRunIsFetchedWhileItRuns) {
