@@ -51,7 +51,9 @@ void TLCarryList::message(const RWCString& phrase, bool update) {
 }
 
 void TLCarryList::word(const RWCString& text) {
-  add(TLCarryAction::Kind::message).text = messageLine(text);
+  TLCarryAction& action = add(TLCarryAction::Kind::message);
+  action.text = messageLine(text);
+  action.update = true;
 }
 
 void TLCarryList::print(const RWCString& text) {

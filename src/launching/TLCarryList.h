@@ -45,7 +45,7 @@ class TLCarryList {
 
   /// A phrase for the user; what stands in it arrives as it is.
   void message(const RWCString& phrase, bool update);
-  /// A word of the script's vocabulary.
+  /// A word of the script's vocabulary, after which the screen is redrawn.
   void word(const RWCString& text);
   /// A line for standard output, without its line end.
   void print(const RWCString& text);

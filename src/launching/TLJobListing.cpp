@@ -51,8 +51,8 @@ TLListedJob firstBelowHeader(TLTextSource& lines) {
 }  // namespace
 
 TLListedJob jobInListing(std::int32_t kind, const RWCString& listing, const RWCString& name) {
-  if (name.empty()) return {};  // a job that nobody named must not pass for this one
   TLTextSource lines(listing);
-  if (kind == kLsf) return firstBelowHeader(lines);
+  if (kind == kLsf) return firstBelowHeader(lines);  // which was asked for this name
+  if (name.empty()) return {};  // a row without a name must not pass for a job that has none
   return lastNamed(name, kind == kPbs ? Columns{1, 4} : Columns{2, 4}, lines);
 }

@@ -7,13 +7,10 @@
 /// The composition of the command line of a marine step, in stages, to be run in their order. Pure,
 /// like those of launching/TLComposition.h.
 
-/// Where the computation of a task lies; joined they name its run file.
+/// Where the computation of a task lies. The two are put together as they stand.
 struct TLComputationPlace {
   RWCString directory;  ///< with its closing separator
   RWCString fileName;   ///< Without directory.
-
-  /// Of the run file.
-  RWCString path() const { return directory + fileName; }
 };
 
 /// True for a partitioning step that has only one part to make: it is finished without a process.

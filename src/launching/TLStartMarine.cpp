@@ -19,6 +19,12 @@ TLComputationPlace placeOf(const TLSubTask& step) {
   return {task->localComputationPath, task->computationFileName};
 }
 
+/// The file beside which the status file lies.
+RWCString statusPathOf(const TLSubTask& step) {
+  const Handle<TLTask> task = step.parentTask();
+  return task ? task->computationPath() : RWCString();
+}
+
 /// A file name as one word of a script line. Braces keep everything as it is, unless the name
 /// itself has some or ends in a backslash.
 RWCString tailWord(const RWCString& file) {
@@ -53,14 +59,15 @@ class MarineLaunch {
  private:
   void setStatusEntries() const {
     const RWCString& program = draft_.executable;
+    const RWCString path = statusPathOf(step_);
     if (program == "bmh2quorel_no_interactive" || program == "bmh2quorel_no_interactive.exe") {
       for (const char* block : {"premetis", "postmetis"}) {
-        if (readStatusEntry(block, "STATUS", place_.path(), true) != "pending") {
-          writeStatusEntry("pending", block, "STATUS", place_.path());
+        if (readStatusEntry(block, "STATUS", path, true) != "pending") {
+          writeStatusEntry("pending", block, "STATUS", path);
         }
       }
     }
-    if (isMarineSolver(program)) writeStatusEntry("running", "quorelcfd", "STATUS", place_.path());
+    if (isMarineSolver(program)) writeStatusEntry("running", "quorelcfd", "STATUS", path);
   }
 
   void settleProcesses() {

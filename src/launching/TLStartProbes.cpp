@@ -23,6 +23,7 @@ void evaluateAll(std::initializer_list<RWCString> lines) {
 }  // namespace
 
 int TLLaunching::startProbesTool(TLSubTask& step) {
+  step.children.clear();
   step.isWin32Host = hostIsWin32(step.hostName);
   const RWCString log = viewedLog(step.arguments);
   TLLaunchDraft draft = draftOf(step);

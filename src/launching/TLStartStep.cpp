@@ -33,6 +33,7 @@ class OrdinaryLaunch {
     step_.spawnArguments.assign(step_.arguments);
     if (!carryFiles()) return TLSubTask::kCopyFailed;
     draft_.spawnArguments.assign(step_.spawnArguments);
+    draft_.win32 = step_.isWin32Host != 0;  // a transfer has asked for the kind of the host again
     return startProgram();
   }
 

@@ -158,6 +158,7 @@ TEST(JobListing, FindsTheJobByItsName) {
       {2, kPbsListing, "comp043", 24, "R"},
       {2, "qstat: cannot connect to server\n", "comp042", 0, ""},
       {3, kLsfListing, "comp042", 31, "PEND"},
+      {3, kLsfListing, "", 31, "PEND"},
       {3, "Job <comp042> is not found\n", "comp042", 0, ""},
       {3, "JOBID", "comp042", 0, ""},
   };

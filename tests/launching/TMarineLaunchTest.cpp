@@ -150,6 +150,10 @@ TEST_F(Marine, ConversionSetsThePartitionsBack) {
   step->executable = "bmh2quorel_no_interactive";
   launching().startMarineStep(*step);
   EXPECT_EQ(readStatusEntry("postmetis", "STATUS", at("hull.sim"), false), "pending");
+  task->localComputationPath = dir.path();
+  step->executable = "quorelcfd";
+  launching().startMarineStep(*step);
+  EXPECT_EQ(readStatusEntry("quorelcfd", "STATUS", at("hull.sim"), false), "running");
 }
 
 TEST_F(Marine, QueuedStepOnlyCountsAsRunning) {
@@ -167,8 +171,10 @@ TEST_F(TLaunchFixture, ProbesToolStaysBesideTheDaemon) {
   step->executable = "probes";
   step->hostName = "far";
   arguments({{"-view_log", "a.log"}, {"-view_log", "b.log"}});
+  step->children = {7};
   EXPECT_EQ(launching().startProbesTool(*step), 0);
   EXPECT_EQ(started(), "probes on here:|-view_log|a.log|-view_log|b.log");
+  EXPECT_EQ(step->children.size(), 1U);
   EXPECT_THAT(recordedScript().lines,
               ElementsAre("after 3000", "update", "task_manager_receive_message start_status_ok",
                           "task_manager_receive_message \"Connect to the log\"", "after 1000",
