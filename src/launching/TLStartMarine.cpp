@@ -75,7 +75,9 @@ class MarineLaunch {
     for (const auto& entry : draft_.arguments.entries()) said = said || entry->type() == "-np";
     settleMarineProcesses(draft_);
     step_.loadBalancing.parallel = draft_.loadBalancing.parallel;
-    if (said) step_.virtualPartition.setNbTasks(0);
+    if (!said) return;
+    step_.virtualPartition.setNbTasks(0);
+    step_.virtualPartition.setActivated(0);
   }
 
   void finishArguments() {

@@ -60,12 +60,14 @@ TEST_F(Marine, OneProcessEndsAParallelRun) {
   step->executable = "quorelcfd";
   step->loadBalancing.parallel = 1;
   step->virtualPartition.setNbTasks(5);
+  step->virtualPartition.setActivated(1);
   arguments({{"none", at("hull.sim")}, {"-np", "1"}});
   launching().startMarineStep(*step);
   EXPECT_EQ(started(),
             "quorelcfd on here:|" + at("hull.sim") + "|-parendId|99|-display|TL_NO_DISPLAY");
   EXPECT_EQ(step->loadBalancing.parallel, 0);
   EXPECT_EQ(step->virtualPartition.nbTasks(), 0);
+  EXPECT_FALSE(step->virtualPartition.isActivated());
   step->loadBalancing.parallel = 1;
   arguments({{"none", at("hull.sim")}, {"-np", "0"}});
   launching().startMarineStep(*step);
