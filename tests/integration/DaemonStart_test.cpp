@@ -3,7 +3,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
 #include "integration/TestDaemon.h"
 #include "integration/VirtualMachine.h"
@@ -56,7 +55,7 @@ TEST(DaemonStart, wrongStartsAreToldToTheParentOnly) {
   }
 }
 
-TEST(DaemonStart, scriptIsEvaluatedBeforeTheTaskAndThenDrivesIt) {
+TEST(DaemonStart, scriptIsEvaluatedBeforeTheTaskThenDrivesItAndEndsIt) {
   TestDaemonOptions options;
   options.script = "note [list top [get_task_name] $argc [lindex $argv 0] [file tail $argv0]]";
   TestDaemon daemon(TestDaemon::task(TestDaemon::step("A", "none")), options);
@@ -64,6 +63,9 @@ TEST(DaemonStart, scriptIsEvaluatedBeforeTheTaskAndThenDrivesIt) {
   EXPECT_EQ(daemon.ask("get_task_name"), "test task");
   EXPECT_EQ(daemon.ask("info exists tcl_rcFileName"), "1");
   EXPECT_EQ(daemon.ask("expr {$cycles > 0}"), "1");
+  EXPECT_EQ(daemon.ask("task_update"), "");
+  EXPECT_EQ(daemon.ask("after 1 exit_taskmanagerc; set x 1"), "1");
+  EXPECT_TRUE(daemon.waitGone());
 }
 
 TEST(DaemonStart, catchoutFileGoesWithTheDaemon) {
@@ -84,12 +86,6 @@ TEST(DaemonStart, catchoutFileGoesWithTheDaemon) {
   EXPECT_TRUE(daemon.waitGone());
   EXPECT_THAT(files(), ElementsAre());
   EXPECT_FALSE(fs::exists(record));
-}
-
-TEST(DaemonStart, exitCommandEndsTheDaemonAndLeavesItsTools) {
-  TestDaemon daemon(TestDaemon::task(""));
-  EXPECT_EQ(daemon.ask("after 1 exit_taskmanagerc; set x 1"), "1");
-  EXPECT_TRUE(daemon.waitGone());
 }
 
 TEST(DaemonStart, otherNamesOnlyRunTheirScript) {

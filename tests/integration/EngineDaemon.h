@@ -6,7 +6,6 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -15,6 +14,7 @@
 #include "integration/TestDaemon.h"
 #include "integration/VirtualMachine.h"
 #include "integration/Waiting.h"
+#include "platform/TTempDir.h"
 
 /// Tests of the engine as people meet it: the real daemon, real processes of the virtual machine
 /// (the fake tool under the names of programs), and this process as the interface.
@@ -41,11 +41,8 @@ class EngineDaemon : public testing::Test {
   }
 
   std::string file(const std::string& name) const { return (directory / name).string(); }
-  static std::string contents(const std::filesystem::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  void put(const std::string& name, const std::string& text) const {
+  /// Writes a file: of this directory, or one with a whole path.
+  void put(const std::filesystem::path& name, const std::string& text) const {
     std::ofstream(directory / name, std::ios::binary) << text;
   }
   bool has(const std::string& name) const { return std::filesystem::exists(directory / name); }
@@ -54,20 +51,28 @@ class EngineDaemon : public testing::Test {
   }
 
   static std::string argument(const std::string& type, const std::string& value) {
-    return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value +
-           "\n    TL_END process_argument\n";
+    return TestDaemon::argument(type, value);
   }
   /// A step that runs the fake tool as `executable`: its first argument is the run file
   /// "label.run", its script "label.fake" holds `commands`.
   std::string step(const std::string& label, const std::string& name, const std::string& executable,
-                   const Lines& commands, const std::string& lines = {}) const {
+                   const Lines& commands, const std::string& lines = {},
+                   const std::string& host = {}) const {
+    return scripted(label, name, executable, commands, argument("none", file(label + ".run")),
+                    lines, host);
+  }
+  /// As `step`, with these arguments in front.
+  std::string scripted(const std::string& label, const std::string& name,
+                       const std::string& executable, const Lines& commands,
+                       const std::string& arguments, const std::string& lines = {},
+                       const std::string& host = {}) const {
     std::string script;
     for (const auto& command : commands) script += command + '\n';
     put(label + ".fake", script);
     return TestDaemon::step(
         name, executable,
-        lines + "  TL_BEGIN process_arguments\n" + argument("none", file(label + ".run")) +
-            argument("-script", file(label + ".fake")) + "  TL_END process_arguments\n");
+        lines + TestDaemon::arguments(arguments + argument("-script", file(label + ".fake"))),
+        host);
   }
   static constexpr const char* kBeside = "  WAITING_TASK 0\n";
   static constexpr const char* kDisabled = "  ENABLED 0\n";

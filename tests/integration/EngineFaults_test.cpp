@@ -95,8 +95,7 @@ TEST_F(EngineFaults, TwoHundredProcessesAmongAThousandSteps) {
   constexpr int kAlive = 200;
   std::string steps;
   put("wait.fake", "wait 300\n");
-  const std::string words = "  TL_BEGIN process_arguments\n" +
-                            argument("-script", file("wait.fake")) + "  TL_END process_arguments\n";
+  const std::string words = TestDaemon::arguments(argument("-script", file("wait.fake")));
   std::vector<std::int32_t> expected;
   for (int i = 0; i < kSteps - 1; ++i) {
     const bool alive = i % (kSteps / kAlive) == 0;

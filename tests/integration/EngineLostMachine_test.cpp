@@ -17,7 +17,7 @@ class EngineLostMachine : public EngineDaemon {
     std::ofstream(where / "question.new") << script;
     std::filesystem::rename(where / "question.new", where / "question");
     if (!waitUntil([&] { return std::filesystem::exists(where / "answer"); })) return "TIMEOUT";
-    const std::string answer = contents(where / "answer");
+    const std::string answer = contentsOf(where / "answer");
     std::filesystem::remove(where / "answer");
     return answer;
   }

@@ -20,15 +20,9 @@ class EngineMarine : public EngineDaemon {
                                        "\n  COMPUTATION_FILE_NAME case.sim\n");
   }
   /// A step whose tool follows `commands`; its first argument leads to this directory.
-  std::string marine(const std::string& name, const std::string& executable, const Lines& commands,
-                     const std::string& lines = {}) const {
-    std::string script;
-    for (const auto& command : commands) script += command + '\n';
-    put(name + ".fake", script);
-    return TestDaemon::step(
-        name, executable,
-        lines + "  TL_BEGIN process_arguments\n" + argument("none", "-sim=" + file("case.sim")) +
-            argument("-script", file(name + ".fake")) + "  TL_END process_arguments\n");
+  std::string marine(const std::string& name, const std::string& executable,
+                     const Lines& commands) const {
+    return scripted(name, name, executable, commands, argument("none", "-sim=" + file("case.sim")));
   }
   std::string status(const std::string& block, const std::string& word) const {
     return "status " + block + " " + word + " " + file("case.sim");
@@ -66,21 +60,17 @@ TEST_F(EngineMarine, TheChainRunsToItsEndAndEndsTheDaemon) {
   EXPECT_FALSE(has("lockStatus"));
 }
 
-TEST_F(EngineMarine, AFreshFailureDisablesWhatFollows) {
-  TestDaemon daemon(marineTask(marine("PREMETIS", "premetis", works("premetis", "failed")) +
-                               marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
-                    quick());
-  EXPECT_TRUE(daemon.waitGone(60));
-  EXPECT_TRUE(has("premetis.began"));
-  EXPECT_FALSE(has("quorelcfd.began"));
-}
-
-TEST_F(EngineMarine, AMismatchIsAFailureOfTheChainToo) {
-  TestDaemon daemon(marineTask(marine("PREMETIS", "premetis", works("premetis", "mismatch")) +
-                               marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
-                    quick());
-  EXPECT_TRUE(daemon.waitGone(60));
-  EXPECT_FALSE(has("quorelcfd.began"));
+TEST_F(EngineMarine, AFreshFailureAndAMismatchDisableWhatFollows) {
+  for (const char* word : {"failed", "mismatch"}) {
+    std::filesystem::remove(file("status.dat"));
+    std::filesystem::remove(file("premetis.began"));
+    TestDaemon daemon(marineTask(marine("PREMETIS", "premetis", works("premetis", word)) +
+                                 marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
+                      quick());
+    EXPECT_TRUE(daemon.waitGone(60)) << word;
+    EXPECT_TRUE(has("premetis.began")) << word;
+    EXPECT_FALSE(has("quorelcfd.began")) << word;
+  }
 }
 
 TEST_F(EngineMarine, AStaleEntryLeavesTheProcessToDecide) {
@@ -144,12 +134,9 @@ TEST_F(EngineMarine, AStatusFileOfRandomBytesIsMadeAnew) {
 }
 
 TEST_F(EngineMarine, TheProbesToolIsFollowedBesideItsLog) {
-  put("probes.fake", "wait 60\n");
-  const std::string probes = TestDaemon::step(
-      "PROBES2QVK", "probes",
-      "  TL_BEGIN process_arguments\n" + argument("-log", file("x.log")) +
-          argument("-script", file("probes.fake")) + argument("-view_log", file("x.log.view")) +
-          "  TL_END process_arguments\n");
+  const std::string probes =
+      scripted("probes", "PROBES2QVK", "probes", {"wait 60"},
+               argument("-log", file("x.log")) + argument("-view_log", file("x.log.view")));
   TestDaemon daemon(TestDaemon::task(probes), quick());
   EXPECT_TRUE(daemon.waitUpcall(phrase("Connect to the log")));
   EXPECT_TRUE(daemon.waitUpcall("task_manager_init_tail " + file("x.log.view")));

@@ -26,7 +26,7 @@ TEST_F(EngineReconnect, ATaskOutlivesItsInterface) {
       TL_INTERFACE_PEER, {file("tid"), "tltaskmgr", "-task", file("task.tsk"), "-parendId", "1"});
   ASSERT_GT(interface, 0);
   ASSERT_TRUE(waitFile("tid"));
-  const std::int32_t daemon = std::stoi(contents(directory / "tid"));
+  const std::int32_t daemon = std::stoi(contentsOf(directory / "tid"));
   kill(interface);
 
   PvmPeer::send(daemon, 10);

@@ -119,15 +119,11 @@ class Soak {
   std::string step(const std::string& label, const std::string& program,
                    const std::string& commands) const {
     std::ofstream(directory_ / (label + ".fake")) << commands;
-    const auto argument = [](const std::string& type, const std::string& value) {
-      return "TL_BEGIN process_argument\nTYPE " + type + "\nVALUE " + value +
-             "\nTL_END process_argument\n";
-    };
-    return TestDaemon::step(label, program,
-                            "TL_BEGIN process_arguments\n" +
-                                argument("none", (directory_ / (label + ".run")).string()) +
-                                argument("-script", (directory_ / (label + ".fake")).string()) +
-                                "TL_END process_arguments\n");
+    return TestDaemon::step(
+        label, program,
+        TestDaemon::arguments(
+            TestDaemon::argument("none", (directory_ / (label + ".run")).string()) +
+            TestDaemon::argument("-script", (directory_ / (label + ".fake")).string())));
   }
 
   /// A whole task: a tool, a solver that crashes or ends well, a step that is stopped.

@@ -6,17 +6,17 @@ namespace {
 class EngineWindow : public EngineDaemon {};
 
 TEST_F(EngineWindow, ShowsARunAndItsCrashAndStopsTheRest) {
-  put("load.steering", contents(std::string(TL_EXAMPLES) + "/heat/heat.steering"));
+  put("load.steering", contentsOf(std::string(TL_EXAMPLES) + "/heat/heat.steering"));
   put("load.steering.binary", "");
   TestDaemonOptions options;
   // The window's own timer drives the cycles; the layer below it goes on answering.
   options.script = "set period 0; source {" TL_SHARE "/_tcl/_taskManager/taskDaemon.tcl}";
   options.environment = {{"TL_UPDATE_MS", "20"}};
-  std::string solver = step("a", "SOLVE", "velstraTurbo",
-                            {"started", "text hello \\ window", "values residual 1 0.5 2 0.25",
-                             "print a line of the log", "await 21 60", "die SEGV"});
-  const std::string steering = argument("-steering", file("load.steering"));
-  solver.insert(solver.find("    TL_BEGIN process_argument\n      TYPE -script"), steering);
+  const std::string solver =
+      scripted("a", "SOLVE", "velstraTurbo",
+               {"started", "text hello \\ window", "values residual 1 0.5 2 0.25",
+                "print a line of the log", "await 21 60", "die SEGV"},
+               argument("none", file("a.run")) + argument("-steering", file("load.steering")));
   TestDaemon daemon(TestDaemon::task(solver + step("b", "REST", "tool", {"wait 60"})), options);
   const auto shows = [&](const std::string& script, const std::string& text) {
     std::string answer;

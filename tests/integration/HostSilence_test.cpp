@@ -1,28 +1,14 @@
 // A host of three is cut off while steps run on all of them. Runs on the first host of a network of
 // its own (hosts/network).
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <pvm3.h>
-#include <stdlib.h>
-
-#include <algorithm>
 #include <chrono>
-#include <filesystem>
-#include <fstream>
-#include <string>
-#include <vector>
 
-#include "integration/PvmPeer.h"
-#include "integration/TestDaemon.h"
-#include "integration/VirtualMachine.h"
-#include "integration/Waiting.h"
+#include "integration/EngineDaemon.h"
+#include "integration/hosts/HostNetwork.h"
 #include "taskengine/TLRunState.h"
 
 namespace {
 
-namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
-using Statuses = std::vector<std::int32_t>;
 using testing::HasSubstr;
 using testing::MatchesRegex;
 
@@ -32,49 +18,27 @@ double secondsSince(Clock::time_point begin) {
   return std::chrono::duration<double>(Clock::now() - begin).count();
 }
 
-class HostSilence : public testing::Test {
+class HostSilence : public EngineDaemon {
  protected:
   void SetUp() override {
-    const char* place = getenv("NETWORK");
-    ASSERT_NE(place, nullptr) << "to be run by hosts/network";
-    network = place;
-    VirtualMachine::shared().addProgram("velstraTurbo", TL_FAKETOOL);
-    ASSERT_GT(PvmPeer::tid(), 0);
+    EngineDaemon::SetUp();
     for (const std::string host : {"beta", "gamma"}) {
-      const fs::path link = network / host / "disk/programs/velstraTurbo";
-      if (!fs::is_symlink(link)) fs::create_symlink(TL_FAKETOOL, link);
+      HostNetwork::addProgram(host, "velstraTurbo", TL_FAKETOOL);
       // The daemon's tools get its PVM_TMP, wherever they run.
-      fs::create_directories(network / host / "disk/tmp" /
-                             VirtualMachine::shared().directory().filename());
-      std::string line = host + " ep=/mnt/programs wd=/mnt/tmp";
-      char* lines[] = {line.data()};
-      int code = 0;
-      pvm_addhosts(lines, 1, &code);
-      ASSERT_TRUE(code > 0 || code == PvmDupHost) << host << ' ' << code;
+      std::filesystem::create_directories(HostNetwork::disk(host) / "tmp" /
+                                          VirtualMachine::shared().directory().filename());
+      ASSERT_TRUE(PvmPeer::addHosts({host + " ep=/mnt/programs wd=/mnt/tmp"}));
     }
-  }
-
-  void order(const std::string& what) const {
-    std::ofstream(network / "orders") << what << std::endl;
-    std::string answer;
-    std::getline(std::ifstream(network / "done"), answer);
-    ASSERT_EQ(answer, what);
   }
 
   // A step of a solver on `host`; all run beside one another.
   std::string step(const std::string& host, const std::string& commands) {
-    const fs::path script = network / ("step" + std::to_string(++steps) + ".fake");
-    std::ofstream(script) << commands;
-    const auto argument = [](const std::string& type, const std::string& value) {
-      return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value +
-             "\n    TL_END process_argument\n";
-    };
-    std::string text = TestDaemon::step(
+    const std::string script = "/mnt/step" + std::to_string(++steps) + ".fake";
+    put(HostNetwork::disk(host) / script.substr(5), commands);
+    return TestDaemon::step(
         "SOLVE", "velstraTurbo",
-        "  WAITING_TASK 0\n  TL_BEGIN process_arguments\n" + argument("none", "none.run") +
-            argument("-script", script.string()) + "  TL_END process_arguments\n");
-    const std::string here = "HOSTNAME " + VirtualMachine::shared().hostName();
-    return text.replace(text.find(here), here.size(), "HOSTNAME " + host);
+        kBeside + TestDaemon::arguments(argument("none", "none.run") + argument("-script", script)),
+        host);
   }
 
   // Seconds until the answer to a status poll.
@@ -104,7 +68,6 @@ class HostSilence : public testing::Test {
     return slowest;
   }
 
-  fs::path network;
   int steps = 0;
 };
 
@@ -114,7 +77,7 @@ TEST_F(HostSilence, TheTaskGoesOnAndSoDoesTheStepWhenTheHostIsBack) {
       step("beta", "started\n" + wait + "finished\n") + step("gamma", "started\n" + wait) +
       step("alpha", wait + "started\n" + wait) + step("beta", wait)));
   ASSERT_TRUE(daemon.waitStatuses({1, 1, 1, 0}));
-  order("cut beta");
+  HostNetwork::cut("beta");
   const auto begin = Clock::now();
   const char* longer = getenv("TL_CUT_SECONDS");
   const double cut = longer == nullptr ? kShortest : atof(longer);
@@ -126,7 +89,7 @@ TEST_F(HostSilence, TheTaskGoesOnAndSoDoesTheStepWhenTheHostIsBack) {
   slowest = std::max(slowest, slowestPoll(daemon, {1, 1, 1, 0}, begin, cut));
   EXPECT_THAT(silence(daemon, 3), MatchesRegex("waits: host not answering since ..:..:.."));
   EXPECT_LT(slowest, 1.0);
-  order("heal beta");
+  HostNetwork::heal("beta");
   const auto healed = Clock::now();
   EXPECT_TRUE(waitUntil([&] { return daemon.poll() == Statuses{1, 1, 1, 1}; }, cut + 60));
   EXPECT_TRUE(waitUntil([&] { return silence(daemon, 0) + silence(daemon, 3) == ""; }));
@@ -134,7 +97,7 @@ TEST_F(HostSilence, TheTaskGoesOnAndSoDoesTheStepWhenTheHostIsBack) {
          slowest, secondsSince(healed));
   PvmPeer::send(daemon.tid(), 21, PvmBody().integer(0));
   EXPECT_TRUE(daemon.waitStatuses({2, 1, 1, 1}));
-  EXPECT_EQ(daemon.upcallCount("task_manager_receive_message {FLOW SOLVER CRASHED}"), 0);
+  EXPECT_EQ(daemon.upcallCount(phrase("FLOW SOLVER CRASHED")), 0);
 }
 
 // Takes more than three minutes: not a test of ctest.
@@ -142,7 +105,7 @@ TEST_F(HostSilence, DISABLED_AHostThatStaysAwayIsACrash) {
   const std::string wait = "started\nawait 21 400\n";
   const TestDaemon daemon(TestDaemon::task(step("beta", wait) + step("gamma", wait)));
   ASSERT_TRUE(daemon.waitStatuses({1, 1}));
-  order("crash beta");
+  HostNetwork::crash("beta");
   const auto begin = Clock::now();
   double slowest = 0;
   Statuses now = {1, 1};
@@ -152,10 +115,8 @@ TEST_F(HostSilence, DISABLED_AHostThatStaysAwayIsACrash) {
   }
   printf("crashed: told after %.1f s, polls took %.3f s at most\n", secondsSince(begin), slowest);
   EXPECT_EQ(now, (Statuses{4, 1}));
-  EXPECT_TRUE(daemon.waitUpcall("task_manager_receive_message {FLOW SOLVER CRASHED}"));
-  const auto report = PvmPeer::receive(daemon.tid(), 5);
-  ASSERT_TRUE(report);
-  EXPECT_EQ(std::get<std::string>(report->values().at(0)), "FLOW SOLVER : RUN TIME ERROR");
+  EXPECT_TRUE(daemon.waitUpcall(phrase("FLOW SOLVER CRASHED")));
+  EXPECT_EQ(heard(5), "FLOW SOLVER : RUN TIME ERROR 0");
 }
 
 TEST_F(HostSilence, ADeadCompanionIsReplacedAndOneThatIsMissingDoneWithout) {
@@ -170,7 +131,7 @@ TEST_F(HostSilence, ADeadCompanionIsReplacedAndOneThatIsMissingDoneWithout) {
   EXPECT_EQ(daemon.poll(), Statuses{1});
   EXPECT_EQ(system((find + " >/dev/null").c_str()), 0);
   EXPECT_THAT(VirtualMachine::shared().log(), HasSubstr("asks about host beta has ended"));
-  fs::remove(daemon.directory() / "mire71/bin/tlhostwatch");
+  std::filesystem::remove(daemon.directory() / "mire71/bin/tlhostwatch");
   ASSERT_EQ(system(("kill -9 $(" + find + ")").c_str()), 0);
   EXPECT_EQ(daemon.poll(), Statuses{1});
   EXPECT_NE(system((find + " >/dev/null").c_str()), 0);

@@ -34,9 +34,9 @@ class LaunchWords : public EngineDaemon, public testing::WithParamInterface<Laun
     std::string lines = launched.lines;
     const auto host = lines.find("@HOST@");
     if (host != std::string::npos) lines.replace(host, 6, VirtualMachine::shared().hostName());
-    return TestDaemon::step(launched.name, launched.executable,
-                            lines + "  TL_BEGIN process_arguments\n" + argument("none", run) +
-                                launched.arguments + "  TL_END process_arguments\n");
+    return TestDaemon::step(
+        launched.name, launched.executable,
+        lines + TestDaemon::arguments(argument("none", run) + launched.arguments));
   }
   static std::string recorded(const TLLaunchPlan& plan) {
     std::string text;
@@ -44,11 +44,6 @@ class LaunchWords : public EngineDaemon, public testing::WithParamInterface<Laun
     return text;
   }
 };
-
-std::string block(const std::string& type, const std::string& value) {
-  return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value +
-         "\n    TL_END process_argument\n";
-}
 
 std::string parallelBlock(const std::string& more = {}) {
   return "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME 2 a b\n" + more +
@@ -76,7 +71,7 @@ TEST_P(LaunchWords, AreThoseOfTheDryRun) {
       planLaunch(*task->subTasks.at(0), false, site, &readRunFileFacts, mapping);
   task->clearSubTasks();
   EXPECT_EQ(plan.program, launched.program);
-  EXPECT_EQ(contents(file(std::string("words.") + launched.program)), recorded(plan));
+  EXPECT_EQ(contentsOf(file(std::string("words.") + launched.program)), recorded(plan));
   EXPECT_NE(recorded(plan).find(run), std::string::npos);
 }
 
@@ -87,21 +82,24 @@ constexpr const char* kUnstructured =
 INSTANTIATE_TEST_SUITE_P(
     Steps, LaunchWords,
     testing::Values(
-        Launched{"solver", "VELSTRA", "velstra", block("-steering", "undefined"), "", kStructured,
-                 "velstraTurbo"},
-        Launched{"parallelSolver", "VELSTRA", "velstraTurbo", block("-steering", "/x y/a.steering"),
+        Launched{"solver", "VELSTRA", "velstra", TestDaemon::argument("-steering", "undefined"), "",
+                 kStructured, "velstraTurbo"},
+        Launched{"parallelSolver", "VELSTRA", "velstraTurbo",
+                 TestDaemon::argument("-steering", "/x y/a.steering"),
                  parallelBlock("    MPI_TYPE 1\n"), kStructured, "velstraTurbo_parallel"},
         Launched{"unreadable", "VELSTRA", "velstra", "", "  USER_SOLVER_PRECISION 1\n", "none\n",
                  "velstraTurbodp"},
-        Launched{"unstructured", "LUMBRAKE", "lumbrakesp", block("-display", ":0"), "",
-                 kUnstructured, "lumbrakedp"},
-        Launched{"parallelUnstructured", "LUMBRAKE", "lumbrakesp", block("-empty", "undefined"),
+        Launched{"unstructured", "LUMBRAKE", "lumbrakesp", TestDaemon::argument("-display", ":0"),
+                 "", kUnstructured, "lumbrakedp"},
+        Launched{"parallelUnstructured", "LUMBRAKE", "lumbrakesp",
+                 TestDaemon::argument("-empty", "undefined"),
                  "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME 1 @HOST@\n"
                  "  TL_END load_balancing\n",
                  kUnstructured, "lumbrakedp_parallel"},
-        Launched{"mesher", "MESH", "zyv", block("-batch", "none"), "", nullptr, "zyv"},
-        Launched{"postProcessor", "POST", "sorvit", block("-macro", "$(id) `id` ; \"x\""), "",
-                 nullptr, "sorvit"}),
+        Launched{"mesher", "MESH", "zyv", TestDaemon::argument("-batch", "none"), "", nullptr,
+                 "zyv"},
+        Launched{"postProcessor", "POST", "sorvit",
+                 TestDaemon::argument("-macro", "$(id) `id` ; \"x\""), "", nullptr, "sorvit"}),
     [](const auto& info) { return std::string(info.param.label); });
 
 }  // namespace

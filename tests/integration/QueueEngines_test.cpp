@@ -148,11 +148,11 @@ TEST_P(QueueEngines, AJobRunsAndTheNextStepWaitsForIt) {
                                      step("b", "NEXT", "tool", {"await 11 60"})),
                     options());
   ASSERT_TRUE(waitFile("a.run.began"));
-  EXPECT_EQ(contents(directory / "a.run.began"), VirtualMachine::shared().hostName() + "\n");
+  EXPECT_EQ(contentsOf(directory / "a.run.began"), VirtualMachine::shared().hostName() + "\n");
   EXPECT_TRUE(waitWord(daemon, 0, engine().running));
   EXPECT_GT(seen(daemon, 0).jobNumber, 0);
   EXPECT_EQ(daemon.poll(), (Statuses{1, 0}));
-  EXPECT_THAT(contents(file(std::string("a") + engine().extension)), HasSubstr(engine().slots))
+  EXPECT_THAT(contentsOf(file(std::string("a") + engine().extension)), HasSubstr(engine().slots))
       << "one slot more for the launcher of the structured solver";
   EXPECT_TRUE(has(std::string("a") + engine().extension + ".orig"));
   put("a.end", "");

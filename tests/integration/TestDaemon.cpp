@@ -4,21 +4,16 @@
 
 #include <algorithm>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 
 #include "integration/VirtualMachine.h"
 #include "integration/Waiting.h"
+#include "platform/TTempDir.h"
 #include "session/TLTestDisplay.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string contents(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 void link(const fs::path& target, const fs::path& place) {
   fs::create_directories(place.parent_path());
@@ -76,7 +71,7 @@ void TestDaemon::install(const TestDaemonOptions& options) {
   const fs::path layer = root / "_tcl" / "_taskManager";
   fs::create_directories(layer);
   std::ofstream(layer / "taskDaemon.tcl")
-      << contents(fs::path(TL_TEST_LAYER) / "taskDaemon.tcl") << options.script << '\n';
+      << contentsOf(fs::path(TL_TEST_LAYER) / "taskDaemon.tcl") << options.script << '\n';
 
   std::ofstream(directory_ / "settings.ini") << "[Software\\TALVEN International\\mire71]\n"
                                              << "TALVEN_DIR = " << root.string() << '\n';
@@ -107,13 +102,13 @@ std::string TestDaemon::ask(const std::string& script, double seconds) {
   const fs::path answer = directory_ / "answer";
   if (!waitUntil([&] { return fs::exists(answer) || !alive(); }, seconds)) return "TIMEOUT";
   if (!fs::exists(answer)) return "GONE";
-  const std::string text = contents(answer);
+  const std::string text = contentsOf(answer);
   fs::remove(answer);
   return text.starts_with("0 ") ? text.substr(2) : "ERROR " + text;
 }
 
 std::vector<std::string> TestDaemon::upcalls() const {
-  std::istringstream text(contents(directory_ / "upcalls"));
+  std::istringstream text(contentsOf(directory_ / "upcalls"));
   std::vector<std::string> lines;
   for (std::string line; std::getline(text, line);) lines.push_back(line);
   return lines;
@@ -143,10 +138,21 @@ bool TestDaemon::waitStatuses(const std::vector<std::int32_t>& expected, double 
   return waitUntil([&] { return poll(seconds) == expected; }, seconds);
 }
 
+std::string TestDaemon::argument(const std::string& type, const std::string& value,
+                                 const std::string& lines) {
+  return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value + "\n" +
+         lines + "    TL_END process_argument\n";
+}
+
+std::string TestDaemon::arguments(const std::string& all) {
+  return "  TL_BEGIN process_arguments\n" + all + "  TL_END process_arguments\n";
+}
+
 std::string TestDaemon::step(const std::string& name, const std::string& executable,
-                             const std::string& lines) {
+                             const std::string& lines, const std::string& host) {
   return "TL_BEGIN subtask\n  NAME " + name + "\n  EXECUTABLE " + executable + "\n  HOSTNAME " +
-         VirtualMachine::shared().hostName() + "\n" + lines + "TL_END subtask\n";
+         (host.empty() ? VirtualMachine::shared().hostName() : host) + "\n" + lines +
+         "TL_END subtask\n";
 }
 
 std::string TestDaemon::task(const std::string& steps, const std::string& lines) {

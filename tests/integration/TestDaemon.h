@@ -55,9 +55,13 @@ class TestDaemon {
   /// Polls until the statuses are `expected`.
   bool waitStatuses(const std::vector<std::int32_t>& expected, double seconds = 30.0) const;
 
-  /// Text of a step of a task file. `lines` are further lines of it.
+  /// Text of a step of a task file, on this host without another. `lines` are further lines of it.
   static std::string step(const std::string& name, const std::string& executable,
-                          const std::string& lines = {});
+                          const std::string& lines = {}, const std::string& host = {});
+  /// Text of one argument of a step, and of all of them.
+  static std::string argument(const std::string& type, const std::string& value,
+                              const std::string& lines = {});
+  static std::string arguments(const std::string& all);
   static std::string task(const std::string& steps, const std::string& lines = {});
 
  private:

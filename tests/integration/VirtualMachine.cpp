@@ -5,20 +5,15 @@
 #include <unistd.h>
 
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <vector>
 
 #include "integration/Waiting.h"
+#include "platform/TTempDir.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-std::string contents(const fs::path& file) {
-  std::ifstream in(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(in), {}};
-}
 
 std::string ownHost() {
   char name[256] = {};
@@ -33,7 +28,7 @@ std::vector<int> processesOf(const fs::path& tmp) {
   for (const auto& entry : fs::directory_iterator("/proc")) {
     const int pid = atoi(entry.path().filename().c_str());
     if (pid > 0 && pid != getpid() &&
-        contents(entry.path() / "environ").find(mark) != std::string::npos) {
+        contentsOf(entry.path() / "environ").find(mark) != std::string::npos) {
       found.push_back(pid);
     }
   }
@@ -87,7 +82,7 @@ void VirtualMachine::start() {
   daemon_ = std::move(*process);
   // It prints the name of its socket once it listens.
   waitUntil([&] {
-    return contents(options.outputFile).find('\n') != std::string::npos || !daemon_.running();
+    return contentsOf(options.outputFile).find('\n') != std::string::npos || !daemon_.running();
   });
   if (!daemon_.running()) throw std::runtime_error("pvmd ended: " + log());
 }
@@ -101,7 +96,7 @@ void VirtualMachine::addProgram(const std::string& name, const fs::path& program
 std::string VirtualMachine::log() const {
   std::string text;
   for (const auto& entry : fs::directory_iterator(directory_)) {
-    if (entry.path().filename().string().starts_with("pvml.")) text += contents(entry.path());
+    if (entry.path().filename().string().starts_with("pvml.")) text += contentsOf(entry.path());
   }
   return text;
 }

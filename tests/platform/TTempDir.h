@@ -6,6 +6,12 @@
 #include <iterator>
 #include <string>
 
+/// The bytes of a file; none when it can't be read.
+inline std::string contentsOf(const std::filesystem::path& path) {
+  std::ifstream in(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(in), {}};
+}
+
 /// A directory of one test, gone with it.
 class TTempDir {
  public:
@@ -33,10 +39,7 @@ class TTempDir {
     }
     return where.string();
   }
-  std::string read(const std::string& name) const {
-    std::ifstream in(file(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>()};
-  }
+  std::string read(const std::string& name) const { return contentsOf(file(name)); }
   bool has(const std::string& name) const { return std::filesystem::exists(file(name)); }
   /// Number of entries.
   long count() const {

@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <string>
 
 /// The hosts alpha (this one), beta and gamma of the script "network", under which the test program
@@ -24,6 +25,18 @@ class HostNetwork {
   }
   static void cut(const std::string& host) { order("cut", host); }
   static void heal(const std::string& host) { order("heal", host); }
+  static void crash(const std::string& host) { order("crash", host); }
+
+  /// Names in a directory, hidden ones too, each with a blank behind it.
+  static std::string names(const std::filesystem::path& directory) {
+    std::set<std::string> found;
+    for (const auto& entry : std::filesystem::directory_iterator(directory)) {
+      found.insert(entry.path().filename());
+    }
+    std::string text;
+    for (const auto& name : found) text += name + ' ';
+    return text;
+  }
 
   struct Result {
     int code = -1;

@@ -41,14 +41,17 @@ class HostTasks : public EngineDaemon {
     const std::string script = "/mnt/" + std::to_string(scripts_++) + ".fake";
     std::ofstream out(HostNetwork::disk("beta") / script.substr(5));
     for (const auto& command : commands) out << command << '\n';
-    return "TL_BEGIN subtask\n  NAME " + name + "\n  EXECUTABLE " + executable +
-           "\n  HOSTNAME beta\n  REMOTETMPDIR /mnt/tmp\n  REMOTELOGIN root\n" + lines +
-           "  TL_BEGIN process_arguments\n" + carried("none", file) + argument("-script", script) +
-           "  TL_END process_arguments\nTL_END subtask\n";
+    return TestDaemon::step(
+        name, executable,
+        "  REMOTETMPDIR /mnt/tmp\n  REMOTELOGIN root\n" + lines +
+            TestDaemon::arguments(TestDaemon::argument("none", file, "      LOCAL_FILE yes\n") +
+                                  argument("-script", script)),
+        "beta");
   }
-  static std::string carried(const std::string& type, const std::string& value) {
-    return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value +
-           "\n      LOCAL_FILE yes\n    TL_END process_argument\n";
+  /// Lines of a step with processes on `hosts`, as "2 beta gamma".
+  static std::string parallel(const std::string& hosts, const std::string& lines = {}) {
+    return "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME " + hosts + "\n" + lines +
+           "  TL_END load_balancing\n";
   }
   TestDaemonOptions options(const std::string& ssh = {}) const {
     TestDaemonOptions options;
@@ -64,8 +67,14 @@ class HostTasks : public EngineDaemon {
     }
     return {};
   }
-  static void put(const fs::path& path, const std::string& text) {
-    std::ofstream(path, std::ios::binary) << text;
+  /// Its name on beta.
+  static std::string nameThere(const fs::path& far) {
+    return "/mnt/tmp/" + far.filename().string() + "/";
+  }
+  /// The step comes to its end, and its files have been fetched.
+  static void finish(const TestDaemon& daemon) {
+    letGo(daemon);
+    EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(daemon);
   }
   static bool said(const TestDaemon& daemon, const std::string& words) {
     for (const auto& call : daemon.upcalls()) {
@@ -107,36 +116,15 @@ TEST_F(HostTasks, AStructuredProjectGoesAndComesBack) {
   ASSERT_TRUE(daemon.waitUpcall(phrase("FLOW SOLVER STARTED"))) << all(daemon);
   const fs::path far = runDirectory();
   ASSERT_FALSE(far.empty());
-  for (const char* name : {"_reftmp.run",
-                           "_reftmp.cgns",
-                           "_mesh_reftmp.zyv",
-                           "_mesh_reftmp.cgns",
-                           "_mesh_reftmp.adf",
-                           "m.zyv",
-                           "m.bcs",
-                           "m.cgns",
-                           "m.adf",
-                           "g.trb",
-                           "g.dat",
-                           "tables",
-                           "_initmp.run",
-                           "_initmp.cgns",
-                           "old.cgns",
-                           "old.res",
-                           "in.prf",
-                           "a b's.run",
-                           "a b's.cgns",
-                           "a b's.cooling-holes",
-                           "a b's.mf",
-                           "a b's.me.qvk",
-                           "a b's.me.bc",
-                           "a b's.me.uni",
-                           "a b's.wall"}) {
-    EXPECT_TRUE(fs::exists(far / name)) << name;
-  }
-  EXPECT_EQ(contents(far / "in.prf"), "w/in.prf");
-  const std::string sent = contents(far / "a b's.run");
-  const std::string there = "/mnt/tmp/" + far.filename().string() + "/";
+  EXPECT_EQ(HostNetwork::names(far),
+            "_initmp.cgns _initmp.run _mesh_reftmp.adf _mesh_reftmp.cgns _mesh_reftmp.zyv "
+            "_reftmp.cgns _reftmp.run "
+            "a b's.cgns a b's.cooling-holes a b's.me.bc a b's.me.qvk a b's.me.uni a b's.mf a "
+            "b's.run a b's.wall "
+            "g.dat g.trb in.prf m.adf m.bcs m.cgns m.zyv old.cgns old.res tables ");
+  EXPECT_EQ(contentsOf(far / "in.prf"), "w/in.prf");
+  const std::string sent = contentsOf(far / "a b's.run");
+  const std::string there = nameThere(far);
   EXPECT_THAT(sent, HasSubstr(there + "m.zyv\n"));
   EXPECT_THAT(sent, Not(HasSubstr(dir.path())));
   EXPECT_EQ(fs::status(far).permissions(), fs::perms::owner_all);
@@ -145,8 +133,7 @@ TEST_F(HostTasks, AStructuredProjectGoesAndComesBack) {
   put(far / "a b's.res", "new residuals");
   put(far / "a b's_t1.dat", "a moment");
   put(far / "m.cgns", "adapted mesh");
-  letGo(daemon);
-  EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(daemon);
+  finish(daemon);
   EXPECT_EQ(dir.read("w/a b's.res"), "new residuals");
   EXPECT_EQ(dir.read("w/a b's_t1.dat"), "a moment");
   EXPECT_EQ(dir.read("w/m.cgns"), "adapted mesh");
@@ -173,18 +160,17 @@ TEST_F(HostTasks, AnUnstructuredRunIsFetchedWhileItRuns) {
       TestDaemon::task(farStep("LUMBRAKE", "lumbrakesp", dir.file("p/c/c.run"),
                                {"started", "await 21 60", "send 22 i:0", "await 23 60",
                                 "file /mnt/answered", "await 21 60", "finished"},
-                               "  TL_BEGIN load_balancing\n    PARALLEL 1\n"
-                               "    PROCESS_NAME 1 beta\n  TL_END load_balancing\n")),
+                               parallel("1 beta"))),
       options());
   ASSERT_TRUE(daemon.waitUpcall(phrase("FLOW SOLVER STARTED"))) << all(daemon);
   const fs::path far = runDirectory();
   ASSERT_FALSE(far.empty());
-  const std::string there = "/mnt/tmp/" + far.filename().string() + "/";
-  EXPECT_EQ(contents(far / "_mesh/m.zyv"), "mesh");
-  EXPECT_EQ(contents(far / "c__INIT_SOL_1__/old.cgns"), "old solution");
-  EXPECT_EQ(contents(far / "c__INIT_SOL_1__/old.run"), "old run");
-  EXPECT_EQ(contents(far / "c/c.p4pg"), "hosts");
-  EXPECT_THAT(contents(far / "c/c.run"), HasSubstr(there + "_mesh/m.zyv"));
+  const std::string there = nameThere(far);
+  EXPECT_EQ(contentsOf(far / "_mesh/m.zyv"), "mesh");
+  EXPECT_EQ(contentsOf(far / "c__INIT_SOL_1__/old.cgns"), "old solution");
+  EXPECT_EQ(contentsOf(far / "c__INIT_SOL_1__/old.run"), "old run");
+  EXPECT_EQ(contentsOf(far / "c/c.p4pg"), "hosts");
+  EXPECT_THAT(contentsOf(far / "c/c.run"), HasSubstr(there + "_mesh/m.zyv"));
 
   const std::string mine = dir.read("p/c/c.run");
   put(far / "c/c.cgns", "half way");
@@ -198,8 +184,7 @@ TEST_F(HostTasks, AnUnstructuredRunIsFetchedWhileItRuns) {
   put(far / "c/c.cgns", "at the end");
   fs::create_directory(far / "c/parts");
   put(far / "c/parts/1", "part");
-  letGo(daemon);
-  EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(daemon);
+  finish(daemon);
   EXPECT_EQ(dir.read("p/c/c.cgns"), "at the end");
   EXPECT_EQ(dir.read("p/c/parts/1"), "part");
   EXPECT_EQ(dir.read("p/c/c.run"), mine);
@@ -214,12 +199,11 @@ TEST_F(HostTasks, TheShapeOptimisersTreeGoesAndComesBack) {
   ASSERT_TRUE(daemon.waitStatuses({1})) << all(daemon);
   const fs::path far = runDirectory();
   ASSERT_FALSE(far.empty());
-  EXPECT_EQ(contents(far / "study/opt.run"), "optimise");
-  EXPECT_EQ(contents(far / "study/a dir/x"), "x");
+  EXPECT_EQ(contentsOf(far / "study/opt.run"), "optimise");
+  EXPECT_EQ(contentsOf(far / "study/a dir/x"), "x");
   put(far / "study/a dir/x", "better");
   put(far / "study/y", "new");
-  letGo(daemon);
-  EXPECT_TRUE(waitUntil([] { return runDirectory().empty(); })) << all(daemon);
+  finish(daemon);
   EXPECT_EQ(dir.read("study/a dir/x"), "better");
   EXPECT_EQ(dir.read("study/y"), "new");
 }
@@ -259,7 +243,7 @@ TEST_F(HostTasks, WhatCantBeFetchedStaysThere) {
       EXPECT_TRUE(waitUntil([&] { return said(daemon, trouble); })) << all(daemon);
       HostNetwork::heal("beta");
     }
-    const std::string there = "/mnt/tmp/" + far.filename().string() + "/";
+    const std::string there = nameThere(far);
     EXPECT_TRUE(waitUntil([&] {
       return said(daemon, "is kept on host beta in the directory " + there);
     })) << all(daemon);
@@ -318,12 +302,11 @@ TEST_F(HostTasks, AQueuedStepRunsThere) {
             "echo 'job-ID  prior name user state submit/start at queue slots'\necho -----\n"
             "[ \"$1\" != -j ] || { echo 'job_number: 7'; exit; }\n"
             "echo \"      7 0.5 $(cat /mnt/job) root r 01/01/2026 10:00:00 mpi@beta 1\"\n");
-  TestDaemon daemon(TestDaemon::task(farStep(
-                        "TOOL", "velstraTurbo", dir.file("w/case.run"), {},
-                        "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME 1 beta\n"
-                        "    QUEUING_SYSTEM_ACTIVATED 1\n"
-                        "    NB_QUEUING_SYSTEM_PROCESSOR 1\n    QUEUING_SYSTEM_QUEUE mpi\n"
-                        "  TL_END load_balancing\n")),
+  TestDaemon daemon(TestDaemon::task(farStep("TOOL", "velstraTurbo", dir.file("w/case.run"), {},
+                                             parallel("1 beta",
+                                                      "    QUEUING_SYSTEM_ACTIVATED 1\n"
+                                                      "    NB_QUEUING_SYSTEM_PROCESSOR 1\n"
+                                                      "    QUEUING_SYSTEM_QUEUE mpi\n"))),
                     options());
   EXPECT_TRUE(waitUntil([&] { return fs::exists(runDirectory() / "case.began"); })) << all(daemon);
   const fs::path far = runDirectory();
@@ -343,18 +326,17 @@ TEST_F(HostTasks, PathsAreMappedForAHostThatSharesTheDisk) {
       "rename after wait\nproc after {args} { if {[llength $args] > 1} { uplevel wait $args } }\n";
   TestDaemon daemon(
       TestDaemon::task(
-          "TL_BEGIN subtask\n  NAME QUOREL_CFD\n  EXECUTABLE quorelcfd\n  HOSTNAME beta\n"
-          "  TL_BEGIN process_arguments\n" +
-              argument("none", dir.file("proj/sim/case.sim")) +
-              "  TL_END process_arguments\nTL_END subtask\n",
+          TestDaemon::step("QUOREL_CFD", "quorelcfd",
+                           TestDaemon::arguments(argument("none", dir.file("proj/sim/case.sim"))),
+                           "beta"),
           "  LOCAL_COMPUTATION_PATH " + dir.file("proj/sim/") +
               "\n  COMPUTATION_FILE_NAME case.sim\n"),
       quick);
   const fs::path words = HostNetwork::disk("beta") / "words";
-  EXPECT_TRUE(waitUntil([&] { return contents(words).find("-local") != std::string::npos; }))
+  EXPECT_TRUE(waitUntil([&] { return contentsOf(words).find("-local") != std::string::npos; }))
       << all(daemon);
-  EXPECT_THAT(contents(words), HasSubstr("/mnt/shared by name/sim/case.sim"));
-  const std::string log = contents(daemon.directory() / "tmp/paths substitution.log");
+  EXPECT_THAT(contentsOf(words), HasSubstr("/mnt/shared by name/sim/case.sim"));
+  const std::string log = contentsOf(daemon.directory() / "tmp/paths substitution.log");
   EXPECT_THAT(log, HasSubstr("MAP '" + dir.file("proj/sim/") + "' -> beta\n"));
   EXPECT_THAT(log, HasSubstr("\t\t gamma = beta? NO\n\t\t beta = beta? YES!\n"));
   EXPECT_THAT(log, HasSubstr("\tManaged to convert to '/mnt/shared by name/sim/'.\n"));
@@ -373,8 +355,7 @@ TEST_F(HostTasks, RanksOnTwoHostsReport) {
   TestDaemon daemon(
       TestDaemon::task(farStep("VELSTRA", "velstraTurbo", dir.file("w/case.run"),
                                {"started", "text rank on beta", "await 21 60", "finished"},
-                               "  TL_BEGIN load_balancing\n    PARALLEL 1\n    MPI_TYPE 1\n"
-                               "    PROCESS_NAME 2 beta gamma\n  TL_END load_balancing\n")),
+                               parallel("2 beta gamma", "    MPI_TYPE 1\n"))),
       options());
   EXPECT_TRUE(daemon.waitUpcall(phrase("rank on beta"))) << all(daemon);
   EXPECT_TRUE(daemon.waitUpcall(phrase("rank on gamma"))) << all(daemon);
@@ -393,9 +374,8 @@ TEST_F(HostTasks, ACheckTellsWhatIsMissingBeforeAnythingStarts) {
   const std::string task =
       farStep("GOOD", "tool", dir.file("there.dat"), {}) + onDelta(lost) +
       farStep("LATER", "tool", dir.file("later.dat"), {}) +
-      "TL_BEGIN subtask\n  NAME QUOREL_CFD\n  EXECUTABLE quorelcfd\n  HOSTNAME gamma\n"
-      "  TL_BEGIN process_arguments\n" +
-      argument("none", dir.file("sim/case.sim")) + "  TL_END process_arguments\nTL_END subtask\n";
+      TestDaemon::step("QUOREL_CFD", "quorelcfd",
+                       TestDaemon::arguments(argument("none", dir.file("sim/case.sim"))), "gamma");
   const std::string place = "  LOCAL_COMPUTATION_PATH " + dir.file("sim/") + "\n";
   const auto check = [&](const std::string& steps, const std::string& words) {
     dir.write("t.task", TestDaemon::task(steps, place));

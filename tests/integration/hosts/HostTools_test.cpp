@@ -28,21 +28,6 @@ class HostTools : public testing::Test {
   static void put(const fs::path& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
   }
-  static std::string contents(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-  }
-  /// Names in a directory, hidden ones too, each with a blank behind it.
-  static std::string names(const fs::path& directory) {
-    std::vector<std::string> found;
-    for (const auto& entry : fs::directory_iterator(directory)) {
-      found.push_back(entry.path().filename());
-    }
-    std::sort(found.begin(), found.end());
-    std::string text;
-    for (const auto& name : found) text += name + ' ';
-    return text;
-  }
   /// Something of `directory`'s has begun to arrive.
   static bool arriving(const fs::path& directory) {
     return waitUntil([&] {
@@ -94,8 +79,8 @@ TEST_F(HostTools, DirectoriesOfRunsArePrivateAndOfThisUser) {
     EXPECT_THAT(made.output, HasSubstr("beta:" + directory));
     EXPECT_EQ(remoteCopy("", place + "/f", "beta", directory + "/f", "UNIX"), 1);
   }
-  EXPECT_EQ(names(far / ".tm_2"), "");
-  EXPECT_EQ(names(far / ".tm_1"), "_mesh ");
+  EXPECT_EQ(HostNetwork::names(far / ".tm_2"), "");
+  EXPECT_EQ(HostNetwork::names(far / ".tm_1"), "_mesh ");
 }
 
 TEST_F(HostTools, NamesOfAnyKindGoThereAndComeBack) {
@@ -107,23 +92,23 @@ TEST_F(HostTools, NamesOfAnyKindGoThereAndComeBack) {
     EXPECT_EQ(
         remoteCopy("", place + "/" + name + ".run", "beta", place + "/" + name + ".run", "UNIX"),
         0);
-    EXPECT_EQ(contents(far / (name + ".run")), name);
+    EXPECT_EQ(contentsOf(far / (name + ".run")), name);
     EXPECT_EQ(remoteCopy("beta.root", place + "/" + name + ".*", "", place + "/back", "UNIX"), 0);
-    EXPECT_EQ(contents(place + "/back/" + name + ".run"), name);
+    EXPECT_EQ(contentsOf(place + "/back/" + name + ".run"), name);
     if (name.find_first_of(" $") == std::string::npos) continue;
     fs::create_directory(far / (name + " tree"));
     put(far / (name + " tree") / name, name);
     remoteCopyTree("beta", place + "/" + name + " tree", "", place + "/back", "UNIX");
     EXPECT_FALSE(lastCopyReport().failed) << lastCopyReport().words;
-    EXPECT_EQ(contents(place + "/back/" + name + " tree/" + name), name);
+    EXPECT_EQ(contentsOf(place + "/back/" + name + " tree/" + name), name);
   }
-  EXPECT_EQ(names(place + "/back").find(".tlrcp"), std::string::npos);
+  EXPECT_EQ(HostNetwork::names(place + "/back").find(".tlrcp"), std::string::npos);
 }
 
 TEST_F(HostTools, StarsAndTreesAndLinks) {
   for (const char* name : {"c.cgns", "c.res", "d.res"}) put(far / name, name);
   EXPECT_EQ(tool("tlrcp -b beta:" + place + "/'c.*' " + place).output, "");
-  EXPECT_EQ(names(place), "c.cgns c.res ");
+  EXPECT_EQ(HostNetwork::names(place), "c.cgns c.res ");
   EXPECT_EQ(tool("tlrcp -b beta:" + place + "/'e.*' " + place).output, "") << "no such files";
   EXPECT_THAT(tool("tlrcp -b beta:" + place + "/none/'e.*' " + place).output, HasSubstr("none"));
   EXPECT_THAT(tool("tlrcp -b beta:" + place + "/'*' " + place + "/one").output,
@@ -135,7 +120,8 @@ TEST_F(HostTools, StarsAndTreesAndLinks) {
   fs::create_directories(far / "tree/sub");
   put(far / "tree/sub/old", "old");
   EXPECT_EQ(tool("tlrcp -b -r " + place + "/tree beta.root:" + place).output, "");
-  EXPECT_EQ(names(far / "tree/sub") + names(far / "tree"), "new old .hidden sub ");
+  EXPECT_EQ(HostNetwork::names(far / "tree/sub") + HostNetwork::names(far / "tree"),
+            "new old .hidden sub ");
   // Links: what they lead to stays as it is, on both sides.
   put(place + "/precious", "precious");
   put(far / "precious", "precious");
@@ -143,8 +129,8 @@ TEST_F(HostTools, StarsAndTreesAndLinks) {
   fs::create_symlink("precious", far / "c.cgns.link");
   EXPECT_EQ(tool("tlrcp beta:" + place + "/d.res " + place).output, "");
   EXPECT_EQ(tool("tlrcp " + place + "/c.cgns beta:" + place + "/c.cgns.link").output, "");
-  EXPECT_EQ(contents(place + "/precious") + contents(far / "precious"), "preciousprecious");
-  EXPECT_EQ(contents(place + "/d.res") + contents(far / "c.cgns.link"), "d.resc.cgns");
+  EXPECT_EQ(contentsOf(place + "/precious") + contentsOf(far / "precious"), "preciousprecious");
+  EXPECT_EQ(contentsOf(place + "/d.res") + contentsOf(far / "c.cgns.link"), "d.resc.cgns");
   fs::create_directory_symlink("tree", place + "/linked");
   fs::create_directory(far / "linked");
   put(far / "linked/new", "through");
@@ -186,10 +172,10 @@ TEST_F(HostTools, WhatIsRefusedChangesNothing) {
     EXPECT_THAT(result.output, HasSubstr(path(test.source) + " " + path(test.target)));
     EXPECT_THAT(result.output, HasSubstr(test.words));
   }
-  EXPECT_EQ(names(place + "/full") + contents(place + "/full/f"), "f old\n");
+  EXPECT_EQ(HostNetwork::names(place + "/full") + contentsOf(place + "/full/f"), "f old\n");
   EXPECT_EQ(HostNetwork::on("beta", "ls -A " + place + "/full; cat " + place + "/full/f").output,
             "f\nold\n");
-  EXPECT_EQ(contents(far / "f").size(), 300000U);
+  EXPECT_EQ(contentsOf(far / "f").size(), 300000U);
 }
 
 TEST_F(HostTools, ACopyThatIsCutLeavesWhatWasThere) {
@@ -213,13 +199,14 @@ TEST_F(HostTools, ACopyThatIsCutLeavesWhatWasThere) {
   EXPECT_NE(fetched.code, 0);
   EXPECT_THAT(fetched.output, HasSubstr("beta:" + place + "/down"));
   EXPECT_THAT(fetched.output, HasSubstr("not responding"));
-  EXPECT_EQ(contents(place + "/down") + names(place), "olddown up ");
+  EXPECT_EQ(contentsOf(place + "/down") + HostNetwork::names(place), "olddown up ");
 
   const auto sent = during("tlrcp " + place + "/up beta:" + place, far, [] {});
   HostNetwork::heal("beta");
   EXPECT_NE(sent.code, 0);
-  EXPECT_EQ(contents(far / "up"), "old");
-  EXPECT_TRUE(waitUntil([&] { return names(far) == "down up "; })) << "cleared by the far side";
+  EXPECT_EQ(contentsOf(far / "up"), "old");
+  EXPECT_TRUE(waitUntil([&] { return HostNetwork::names(far) == "down up "; }))
+      << "cleared by the far side";
 
   const auto shorter = during(down, place, [this] {
     fs::resize_file(far / "down", 10);
@@ -227,7 +214,7 @@ TEST_F(HostTools, ACopyThatIsCutLeavesWhatWasThere) {
   });
   EXPECT_NE(shorter.code, 0);
   EXPECT_THAT(shorter.output, HasSubstr("shorter"));
-  EXPECT_EQ(contents(place + "/down"), "old");
+  EXPECT_EQ(contentsOf(place + "/down"), "old");
 }
 
 TEST_F(HostTools, SemaphoresAreRemovedWhereTheyAre) {
