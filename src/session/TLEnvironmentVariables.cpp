@@ -191,7 +191,8 @@ class SetUp {
     setToolVariable("ONLINEHELPZYV_DIR", help + separated("zyv/"));
     setToolVariable("ONLINEHELPHEXA_DIR", help + separated("hexa/"));
     setToolVariable("ONLINEHELPSORVIT_DIR", help + separated("sorvit/"));
-    const auto last = directory_.rfind(form_.separator());
+    const auto end = directory_.find_last_not_of(form_.separator());
+    const auto last = directory_.rfind(form_.separator(), end);
     const RWCString versions = directory_.substr(0, last == RWCString::npos ? 0 : last);
     paths_ = {{"TALVEN_DIR", directory_},
               {"VELSTRA_DIR", directory_ + separated("/bin")},

@@ -20,7 +20,7 @@ int runCommand(TLCommandHandler handler, Tcl_Interp* interp, int argc, const cha
   return result.code();
 }
 
-void registerProcedure(const char* name, TLScriptProcedure procedure) {
+void registerCommand(const char* name, TLScriptProcedure procedure) {
   if (TkSession::current() == nullptr) return;
   Tcl_CreateCommand(TkSession::current()->interp(), name, procedure, nullptr, nullptr);
 }

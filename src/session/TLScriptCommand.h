@@ -17,12 +17,12 @@ using TLScriptProcedure = int (*)(void* clientData, Tcl_Interp* interp, int argc
 int runCommand(TLCommandHandler handler, Tcl_Interp* interp, int argc, const char** argv);
 
 /// Gives the session's interpreter a command. Nothing happens without a session.
-void registerProcedure(const char* name, TLScriptProcedure procedure);
+void registerCommand(const char* name, TLScriptProcedure procedure);
 
 /// Gives the session's interpreter the command `name`, which does what `handler` does.
 template <TLCommandHandler handler>
 void registerCommand(const char* name) {
-  registerProcedure(name, [](void*, Tcl_Interp* interp, int argc, const char** argv) {
+  registerCommand(name, [](void*, Tcl_Interp* interp, int argc, const char** argv) {
     return runCommand(handler, interp, argc, argv);
   });
 }

@@ -32,6 +32,8 @@ class TLTask : public TLSubTask {
   void clearSubTasks();
   /// Reads the task file `path`; 0 also when it can't be opened.
   int readFile(const RWCString& path);
+  /// Takes directory and run file from the first marine solver's first word that is no option.
+  void deduceComputationPath();
   /// Path of the run file: `localComputationPath` and `computationFileName`.
   RWCString computationPath() const;
 
@@ -54,7 +56,6 @@ class TLTask : public TLSubTask {
   RWCString computationFileName;            ///< Run file in it, without directory.
 
  private:
-  void deduceComputationPath();
   /// True when a start of `step` would have to wait for a host that doesn't answer. The step stays
   /// as it is, and its turn comes again with the next walk.
   bool waitsForHost(TLSubTask& step) const;

@@ -34,11 +34,12 @@ class TaskFileReport : public ::testing::Test {
 };
 
 TEST_F(TaskFileReport, APassedOverLineNamesTheWordThatWasMeant) {
-  EXPECT_EQ(reportOf("name a\nTL_BEGIN subtask\n\thostnme vm\nTL_END subtask\n", true),
-            "FILE:3:2: warning: no key of subtask on this line: it is passed over (was "
-            "\"hostname\" meant?)\n"
-            "  \thostnme vm\n"
-            "  \t^\n");
+  EXPECT_EQ(
+      reportOf("TL_BEGIN task\nname a\nTL_BEGIN subtask\n\thostnme vm\nTL_END subtask\n", true),
+      "FILE:4:2: warning: no key of subtask on this line: it is passed over (was "
+      "\"hostname\" meant?)\n"
+      "  \thostnme vm\n"
+      "  \t^\n");
 }
 
 TEST_F(TaskFileReport, AMissingValueIsAFaultAtItsLine) {
