@@ -38,10 +38,14 @@ std::int32_t TLLoadBalancing::nbCells(std::int32_t block) const {
   return coarsening().nbCells(blockOf(record));
 }
 
+TLPartition::TLPartition(const TLLoadBalancing& loadBalancing, std::int32_t adjustProcessors)
+    : TLPartition(loadBalancing.mesh == nullptr ? TLBlockMesh() : blockMeshOf(*loadBalancing.mesh),
+                  loadBalancing.coarsening(), loadBalancing.nbProcessors(), loadBalancing.tolerance,
+                  adjustProcessors) {}
+
 void TLLoadBalancing::balance() {
   if (queuingSystemActivated == 0 || automaticLoadBalancing == 0 || mesh == nullptr) return;
-  TLPartition partition(blockMeshOf(*mesh), coarsening(), nbProcessors(), tolerance,
-                        adjustProcessors);
+  TLPartition partition(*this, adjustProcessors);
   if (partition.distribute()) takeOwners(partition.owners());
 }
 

@@ -10,6 +10,7 @@
 #include "balancing/TLPartitionGraph.h"
 #include "textio/RWCString.h"
 
+class TLLoadBalancing;
 class TLTextSink;
 
 /// Distributes the blocks of a mesh over processors: one group of connected blocks per processor
@@ -37,6 +38,9 @@ class TLPartition {
   /// With `adjustProcessors` 1 the number of processors is lowered to what the mesh is good for.
   TLPartition(const TLBlockMesh& mesh, const TLCoarsening& coarsening, std::int32_t nbProcessors,
               float tolerance, std::int32_t adjustProcessors);
+  /// The same for the mesh and the processors of `loadBalancing`, without blocks when that has no
+  /// mesh. Comes with the record, which stands above the graph.
+  TLPartition(const TLLoadBalancing& loadBalancing, std::int32_t adjustProcessors);
   TLPartition(const TLPartition&) = delete;
   TLPartition& operator=(const TLPartition&) = delete;
   ~TLPartition() = default;
