@@ -43,8 +43,8 @@ struct FileLook {
   std::string blocks;  ///< its text in the block syntax
 
   void take(const TLFileReport& from) {
-    remarks = from.remarks();
-    report = from.text();
+    remarks.insert(remarks.end(), from.remarks().begin(), from.remarks().end());
+    report += from.text();
   }
 };
 
@@ -69,6 +69,16 @@ std::string stepText(const TLSubTask& step, std::size_t position) {
                         carried ? "  (carried along)" : "");
   }
   return text;
+}
+
+/// In files written on Windows each line ends in a carriage return, which belongs to the line's
+/// last word: no block's name is recognised.
+constexpr const char* kCarriageReturns =
+    "its lines end in carriage returns, which count as part of the last words, so that hardly "
+    "anything of it is recognised: take them out (dos2unix)";
+
+bool hasCarriageReturns(std::string_view text) {
+  return text.find("\r\n") != std::string_view::npos;
 }
 
 /// How far a look at a task goes beyond the file itself.
@@ -124,10 +134,8 @@ FileLook lookAtDefinition(const std::string& path, TLFileKind kind, const std::s
   return look;
 }
 
-FileLook lookAt(const std::string& path, TaskLook depth) {
-  const auto text = hostForm().readFile(path);
-  if (!text) return lookAtTask(path, depth);  // says that it can't be opened
-  const TLFileKind kind = kindOfText(*text);
+FileLook lookAtText(const std::string& path, const std::string& text, TaskLook depth) {
+  const TLFileKind kind = kindOfText(text);
   switch (kind) {
     case TLFileKind::project:
       return lookAtProject(path);
@@ -135,8 +143,20 @@ FileLook lookAt(const std::string& path, TaskLook depth) {
     case TLFileKind::unknown:
       return lookAtTask(path, depth);
     default:
-      return lookAtDefinition(path, kind, *text);
+      return lookAtDefinition(path, kind, text);
   }
+}
+
+FileLook lookAt(const std::string& path, TaskLook depth) {
+  const auto text = hostForm().readFile(path);
+  if (!text) return lookAtTask(path, depth);  // says that it can't be opened
+  FileLook look = lookAtText(path, *text, depth);
+  if (hasCarriageReturns(*text)) {
+    TLFileReport report(path);
+    report.add(false, kCarriageReturns);
+    look.take(report);
+  }
+  return look;
 }
 
 nlohmann::json remarksJson(const std::vector<TLFileRemark>& remarks) {
@@ -220,7 +240,10 @@ constexpr Rewriter kRewriters[] = {
 int rewriteFile(const FileOptions& options) {
   const auto* rewriter = std::find_if(std::begin(kRewriters), std::end(kRewriters),
                                       [&](const auto& one) { return one.kind == options.kind; });
-  const auto failure = rewriter->rewrite(options);
+  // What isn't recognised would be lost.
+  const bool refused = hasCarriageReturns(hostForm().readFile(options.input).value_or(""));
+  if (refused) complain("rewrite", options.input + ": " + kCarriageReturns);
+  const auto failure = refused ? std::nullopt : rewriter->rewrite(options);
   if (failure && *failure != 0) {
     complain("rewrite",
              fmt::format("cannot write {}: {}", options.output, std::strerror(*failure)));

@@ -343,6 +343,10 @@ TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
   EXPECT_EQ(refused.code, 1);
   EXPECT_THAT(refused.text, HasSubstr("  wrong format for4: STATUS\n"));
   EXPECT_EQ(textOf(once), textOf(twice)) << "a file is replaced only by a complete one";
+  std::ofstream(task) << "NAME a\r\nTL_BEGIN subtask\r\nTL_END subtask\r\n";
+  EXPECT_THAT(run({"check", task}).text, HasSubstr("warning: its lines end in carriage returns"));
+  EXPECT_EQ(run({"rewrite", "task", task, once}).code, 1);
+  EXPECT_EQ(textOf(once), textOf(twice)) << "nothing that isn't recognised is lost";
 }
 
 TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
