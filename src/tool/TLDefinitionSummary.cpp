@@ -68,6 +68,12 @@ void addSteering(TLSummary& summary, const std::vector<Handle<TLSteeringParamete
   }
 }
 
+std::string writtenSteering() {
+  TLTextSink sink;
+  TLSteeringParameters().writeText(sink);
+  return sink.take();
+}
+
 bool readSteering(TLTextSource& source, TLSummary& summary) {
   TLSteeringParameters set;
   if (set.readText(source) == 0) return false;
@@ -108,6 +114,7 @@ bool summarizeDefinition(TLFileKind kind, const std::string& text, TLFileReport&
     const TLConsoleRedirect redirect(std::cerr);
     TLTextSource source(text);
     source.setObserver(&report);
+    if (kind == TLFileKind::steering) report.allowWritten(writtenSteering());
     const bool good = reader.read(source, summary);
     if (!good && !report.hasFault()) report.stoppedAt(source, "");
     return good;

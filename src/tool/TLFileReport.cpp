@@ -34,6 +34,18 @@ std::size_t distance(std::string_view a, std::string_view b) {
   return row[b.size()];
 }
 
+/// What tells a line from others of its record, in small letters: its first word, and the name
+/// behind it where it opens or closes a block.
+std::string keyOf(std::string_view line) {
+  TLTokens tokens(line);
+  std::string text(tokens.next());
+  if (equalIgnoringCase(text, "tl_begin") || equalIgnoringCase(text, "tl_end")) {
+    text.append(" ").append(tokens.next());
+  }
+  std::ranges::transform(text, text.begin(), [](char c) { return lowerCase(c); });
+  return text;
+}
+
 }  // namespace
 
 std::string_view nearestWord(std::string_view word, std::span<const std::string_view> known) {
@@ -72,11 +84,20 @@ void TLFileReport::passedOver(const TLTextSource& source, std::string_view line,
       equalIgnoringCase(tokens.next(), record)) {
     return;
   }
+  if (allowed_.contains(keyOf(line))) return;
   // A stray closing line belongs to a block that another program of the suite knows.
   std::string message = fmt::format("no key of {} on this line: it is passed over", record);
   const std::string_view meant = nearestWord(key, words);
   if (!meant.empty()) message += fmt::format(" (was \"{}\" meant?)", meant);
   addAt(source, key, false, std::move(message));
+}
+
+void TLFileReport::allowWritten(std::string_view written) {
+  while (!written.empty()) {
+    const std::string_view line = written.substr(0, written.find('\n'));
+    written.remove_prefix(std::min(line.size() + 1, written.size()));
+    allowed_.insert(keyOf(line));
+  }
 }
 
 void TLFileReport::skippedBlock(const TLTextSource& source, std::string_view line,

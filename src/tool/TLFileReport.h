@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <span>
 #include <string>
 #include <string_view>
@@ -30,6 +31,10 @@ class TLFileReport : public TLReadObserver {
   void badLine(const TLTextSource& source, std::string_view line,
                std::string_view expected) override;
 
+  /// Some fields are written and never read: where a line begins as one of `written` does, which
+  /// is what the record's own writer makes, it's no mistake that it is passed over.
+  void allowWritten(std::string_view written);
+
   /// A fault at the last line that was taken: where a reading has stopped without a word to the
   /// observer. `console` is what it printed; its last line is the reason.
   void stoppedAt(const TLTextSource& source, std::string_view console);
@@ -52,6 +57,7 @@ class TLFileReport : public TLReadObserver {
 
   std::string fileName_;
   std::vector<TLFileRemark> remarks_;
+  std::set<std::string> allowed_;  ///< how their lines begin, in small letters
 };
 
 /// The word of `known` nearest to `word` (case ignored) when it is near enough to be meant by it;

@@ -11,7 +11,9 @@
 #include "launching/TLQueuingSystem.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
+#include "textio/TLTextSink.h"
 #include "textio/TLTextSource.h"
+#include "tool/TLFileKind.h"
 
 TLTaskFile::TLTaskFile(std::string path)
     : path_(std::move(path)), task_(makeHandle<TLTask>()), report_(path_) {}
@@ -30,12 +32,21 @@ bool TLTaskFile::read(bool echo) {
   std::optional<TLConsoleRedirect> redirect;
   if (!echo) redirect.emplace(unheard);
   TLTextSource source(std::move(*text));
+  TLTextSink empty;
+  TLTask().write(empty);
+  report_.allowWritten(empty.text());
   source.setObserver(&report_);
   const bool good = task_->read(source) == 1;
   if (!good && !report_.hasFault()) {
     report_.add(true, fmt::format("a block is not as it should be: {}", unheard.str()));
   }
-  if (good && task_->subTaskCount() == 0) report_.add(false, "holds no step: nothing would run");
+  if (good && task_->subTaskCount() == 0) {
+    // What has neither a block nor a name of a task was never meant as one.
+    const bool foreign = task_->name == TLTask().name && !source.text().empty() &&
+                         kindOfText(source.text()) == TLFileKind::unknown;
+    report_.add(foreign, foreign ? "is no task file" : "holds no step: nothing would run");
+    return !foreign;
+  }
   return good;
 }
 

@@ -51,6 +51,7 @@ TEST_F(TaskFileReport, AMissingValueIsAFaultAtItsLine) {
 
 TEST_F(TaskFileReport, ATaskWithoutStepsIsPointedOut) {
   EXPECT_EQ(reportOf("name a\n", true), "FILE: warning: holds no step: nothing would run\n");
+  EXPECT_THAT(reportOf("hello\n", false), HasSubstr("FILE: fault: is no task file\n"));
 }
 
 TEST(NearestWord, IsNearEnoughOrNone) {

@@ -338,6 +338,7 @@ TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
   EXPECT_EQ(run({"rewrite", "task", task, once}).code, 0);
   EXPECT_EQ(run({"rewrite", "task", once, twice}).code, 0);
   EXPECT_EQ(textOf(once), textOf(twice));
+  EXPECT_THAT(run({"check", once}).text, Not(HasSubstr("warning: no key"))) << "written by us";
   std::ofstream(task) << "NAME a\nSTATUS\n";
   const Answer refused = run({"rewrite", "task", task, once});
   EXPECT_EQ(refused.code, 1);
