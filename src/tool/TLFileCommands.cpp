@@ -6,8 +6,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <iostream>
 #include <memory>
 #include <optional>
+#include <sstream>
 #include <utility>
 
 #include "platform/TLHostForm.h"
@@ -220,7 +222,8 @@ std::optional<int> rewriteTask(const FileOptions& options) {
 // A set and its binary file.
 std::optional<int> rewriteSteering(const FileOptions& options) {
   std::string error;
-  const auto set = readSteeringSet(options.input, error);
+  std::ostringstream unheard;
+  const auto set = readSteeringSet(options.input, error, options.json ? unheard : std::cout);
   if (!set) {
     fmt::print(stderr, "{}", error);
     return std::nullopt;

@@ -70,28 +70,34 @@ std::string choicesOf(const TLChoiceEntry& entry) {
 }  // namespace
 
 Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::string& error) {
+  std::ostringstream unheard;
+  return readSteeringSet(path, error, unheard);
+}
+
+Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::string& error,
+                                             std::ostream& console) {
   const auto text = hostForm().readFile(path);
   if (!text) {
     error = fmt::format("tlctl: {} cannot be opened\n", path);
     return nullptr;
   }
-  std::ostringstream console;
-  const TLConsoleRedirect redirect(console);
   auto set = makeHandle<TLSteeringParameters>();
+  std::ostringstream heard;
+  const TLConsoleRedirect redirect(heard);
   TLTextSource source(*text);
   TLFileReport report(path);
   source.setObserver(&report);
   if (set->readText(source) == 0) {
-    if (!report.hasFault()) report.stoppedAt(source, console.str());
+    if (!report.hasFault()) report.stoppedAt(source, heard.str());
     error = report.text();
+    console << heard.str() << std::flush;
     return nullptr;
   }
-  console.str("");
-  if (!set->read(path)) {
-    error = console.str();
-    return nullptr;
-  }
-  return set;
+  heard.str("");
+  if (set->read(path)) return set;
+  error = fmt::format("tlctl: {}.binary cannot be opened\n", path);
+  console << heard.str() << std::flush;
+  return nullptr;
 }
 
 TLSteeringSettings::TLSteeringSettings(const Handle<TLSteeringParameters>& set) : set_(set) {

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <functional>
+#include <iosfwd>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,7 +10,10 @@
 #include "messaging/TLSteeringParameters.h"
 
 /// Reads a steering file and its binary file. Null, with `error` saying where and why in whole
-/// lines, when either can't be read.
+/// lines, when either can't be read. What the reader itself has to say goes to `console`.
+Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::string& error,
+                                             std::ostream& console);
+/// The same with the reader's own words unheard.
 Handle<TLSteeringParameters> readSteeringSet(const std::string& path, std::string& error);
 
 /// One value of a steering set that a user may change.

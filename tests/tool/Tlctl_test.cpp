@@ -391,6 +391,9 @@ TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
   EXPECT_EQ(run({"rewrite", "steering", file, copy}).code, 0);
   EXPECT_THAT(textOf(copy), HasSubstr("courant number"));
   EXPECT_EQ(textOf(copy.string() + ".binary"), "");
+  fs::remove(copy.string() + ".binary");
+  EXPECT_THAT(run({"rewrite", "steering", copy, file}).text,
+              HasSubstr("ERROR: file: " + copy.string() + ".binary does not exist\n"));
 }
 
 }  // namespace
