@@ -18,12 +18,11 @@ TestDaemonOptions withoutCycles() {
 
 TEST(DaemonCommands, AnswerAndKeepTheRecordOfTheRun) {
   TestDaemon daemon(
-      TestDaemon::task(
-          TestDaemon::step("FIRST", "none") +
-              TestDaemon::step("QUOREL_CFD", "quorelcfd",
-                               TestDaemon::arguments(TestDaemon::argument("-a", "/machines.txt"))) +
-              TestDaemon::step("FIRST", "none"),
-          "STARTING_DATE 1234\n"),
+      TestDaemon::task(TestDaemon::step("FIRST", "none") +
+                           TestDaemon::step("QUOREL_CFD", "quorelcfd",
+                                            argumentsText(argumentText("-a", "/machines.txt"))) +
+                           TestDaemon::step("FIRST", "none"),
+                       "STARTING_DATE 1234\n"),
       withoutCycles());
   const std::string path = " {" + (daemon.directory() / "computation.sim").string() + "}";
   const std::pair<std::string, const char*> cases[] = {

@@ -50,15 +50,12 @@ class EngineDaemon : public testing::Test {
     return waitUntil([&] { return has(name); }, seconds);
   }
 
-  static std::string argument(const std::string& type, const std::string& value) {
-    return TestDaemon::argument(type, value);
-  }
   /// A step that runs the fake tool as `executable`: its first argument is the run file
   /// "label.run", its script "label.fake" holds `commands`.
   std::string step(const std::string& label, const std::string& name, const std::string& executable,
                    const Lines& commands, const std::string& lines = {},
                    const std::string& host = {}) const {
-    return scripted(label, name, executable, commands, argument("none", file(label + ".run")),
+    return scripted(label, name, executable, commands, argumentText("none", file(label + ".run")),
                     lines, host);
   }
   /// As `step`, with these arguments in front.
@@ -71,8 +68,7 @@ class EngineDaemon : public testing::Test {
     put(label + ".fake", script);
     return TestDaemon::step(
         name, executable,
-        lines + TestDaemon::arguments(arguments + argument("-script", file(label + ".fake"))),
-        host);
+        lines + argumentsText(arguments + argumentText("-script", file(label + ".fake"))), host);
   }
   static constexpr const char* kBeside = "  WAITING_TASK 0\n";
   static constexpr const char* kDisabled = "  ENABLED 0\n";

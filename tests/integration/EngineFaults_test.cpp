@@ -95,7 +95,7 @@ TEST_F(EngineFaults, TwoHundredProcessesAmongAThousandSteps) {
   constexpr int kAlive = 200;
   std::string steps;
   put("wait.fake", "wait 300\n");
-  const std::string words = TestDaemon::arguments(argument("-script", file("wait.fake")));
+  const std::string words = argumentsText(argumentText("-script", file("wait.fake")));
   std::vector<std::int32_t> expected;
   for (int i = 0; i < kSteps - 1; ++i) {
     const bool alive = i % (kSteps / kAlive) == 0;

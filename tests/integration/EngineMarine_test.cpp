@@ -22,7 +22,8 @@ class EngineMarine : public EngineDaemon {
   /// A step whose tool follows `commands`; its first argument leads to this directory.
   std::string marine(const std::string& name, const std::string& executable,
                      const Lines& commands) const {
-    return scripted(name, name, executable, commands, argument("none", "-sim=" + file("case.sim")));
+    return scripted(name, name, executable, commands,
+                    argumentText("none", "-sim=" + file("case.sim")));
   }
   std::string status(const std::string& block, const std::string& word) const {
     return "status " + block + " " + word + " " + file("case.sim");
@@ -136,7 +137,7 @@ TEST_F(EngineMarine, AStatusFileOfRandomBytesIsMadeAnew) {
 TEST_F(EngineMarine, TheProbesToolIsFollowedBesideItsLog) {
   const std::string probes =
       scripted("probes", "PROBES2QVK", "probes", {"wait 60"},
-               argument("-log", file("x.log")) + argument("-view_log", file("x.log.view")));
+               argumentText("-log", file("x.log")) + argumentText("-view_log", file("x.log.view")));
   TestDaemon daemon(TestDaemon::task(probes), quick());
   EXPECT_TRUE(daemon.waitUpcall(phrase("Connect to the log")));
   EXPECT_TRUE(daemon.waitUpcall("task_manager_init_tail " + file("x.log.view")));

@@ -121,9 +121,8 @@ class Soak {
     std::ofstream(directory_ / (label + ".fake")) << commands;
     return TestDaemon::step(
         label, program,
-        TestDaemon::arguments(
-            TestDaemon::argument("none", (directory_ / (label + ".run")).string()) +
-            TestDaemon::argument("-script", (directory_ / (label + ".fake")).string())));
+        argumentsText(argumentText("none", (directory_ / (label + ".run")).string()) +
+                      argumentText("-script", (directory_ / (label + ".fake")).string())));
   }
 
   /// A whole task: a tool, a solver that crashes or ends well, a step that is stopped.

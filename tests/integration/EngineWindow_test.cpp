@@ -12,11 +12,11 @@ TEST_F(EngineWindow, ShowsARunAndItsCrashAndStopsTheRest) {
   // The window's own timer drives the cycles; the layer below it goes on answering.
   options.script = "set period 0; source {" TL_SHARE "/_tcl/_taskManager/taskDaemon.tcl}";
   options.environment = {{"TL_UPDATE_MS", "20"}};
-  const std::string solver =
-      scripted("a", "SOLVE", "velstraTurbo",
-               {"started", "text hello \\ window", "values residual 1 0.5 2 0.25",
-                "print a line of the log", "await 21 60", "die SEGV"},
-               argument("none", file("a.run")) + argument("-steering", file("load.steering")));
+  const std::string solver = scripted(
+      "a", "SOLVE", "velstraTurbo",
+      {"started", "text hello \\ window", "values residual 1 0.5 2 0.25", "print a line of the log",
+       "await 21 60", "die SEGV"},
+      argumentText("none", file("a.run")) + argumentText("-steering", file("load.steering")));
   TestDaemon daemon(TestDaemon::task(solver + step("b", "REST", "tool", {"wait 60"})), options);
   const auto shows = [&](const std::string& script, const std::string& text) {
     std::string answer;

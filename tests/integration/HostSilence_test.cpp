@@ -37,7 +37,7 @@ class HostSilence : public EngineDaemon {
     put(HostNetwork::disk(host) / script.substr(5), commands);
     return TestDaemon::step(
         "SOLVE", "velstraTurbo",
-        kBeside + TestDaemon::arguments(argument("none", "none.run") + argument("-script", script)),
+        kBeside + argumentsText(argumentText("none", "none.run") + argumentText("-script", script)),
         host);
   }
 

@@ -34,9 +34,8 @@ class LaunchWords : public EngineDaemon, public testing::WithParamInterface<Laun
     std::string lines = launched.lines;
     const auto host = lines.find("@HOST@");
     if (host != std::string::npos) lines.replace(host, 6, VirtualMachine::shared().hostName());
-    return TestDaemon::step(
-        launched.name, launched.executable,
-        lines + TestDaemon::arguments(argument("none", run) + launched.arguments));
+    return TestDaemon::step(launched.name, launched.executable,
+                            lines + argumentsText(argumentText("none", run) + launched.arguments));
   }
   static std::string recorded(const TLLaunchPlan& plan) {
     std::string text;
@@ -82,24 +81,23 @@ constexpr const char* kUnstructured =
 INSTANTIATE_TEST_SUITE_P(
     Steps, LaunchWords,
     testing::Values(
-        Launched{"solver", "VELSTRA", "velstra", TestDaemon::argument("-steering", "undefined"), "",
+        Launched{"solver", "VELSTRA", "velstra", argumentText("-steering", "undefined"), "",
                  kStructured, "velstraTurbo"},
         Launched{"parallelSolver", "VELSTRA", "velstraTurbo",
-                 TestDaemon::argument("-steering", "/x y/a.steering"),
-                 parallelBlock("    MPI_TYPE 1\n"), kStructured, "velstraTurbo_parallel"},
+                 argumentText("-steering", "/x y/a.steering"), parallelBlock("    MPI_TYPE 1\n"),
+                 kStructured, "velstraTurbo_parallel"},
         Launched{"unreadable", "VELSTRA", "velstra", "", "  USER_SOLVER_PRECISION 1\n", "none\n",
                  "velstraTurbodp"},
-        Launched{"unstructured", "LUMBRAKE", "lumbrakesp", TestDaemon::argument("-display", ":0"),
-                 "", kUnstructured, "lumbrakedp"},
+        Launched{"unstructured", "LUMBRAKE", "lumbrakesp", argumentText("-display", ":0"), "",
+                 kUnstructured, "lumbrakedp"},
         Launched{"parallelUnstructured", "LUMBRAKE", "lumbrakesp",
-                 TestDaemon::argument("-empty", "undefined"),
+                 argumentText("-empty", "undefined"),
                  "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME 1 @HOST@\n"
                  "  TL_END load_balancing\n",
                  kUnstructured, "lumbrakedp_parallel"},
-        Launched{"mesher", "MESH", "zyv", TestDaemon::argument("-batch", "none"), "", nullptr,
-                 "zyv"},
-        Launched{"postProcessor", "POST", "sorvit",
-                 TestDaemon::argument("-macro", "$(id) `id` ; \"x\""), "", nullptr, "sorvit"}),
+        Launched{"mesher", "MESH", "zyv", argumentText("-batch", "none"), "", nullptr, "zyv"},
+        Launched{"postProcessor", "POST", "sorvit", argumentText("-macro", "$(id) `id` ; \"x\""),
+                 "", nullptr, "sorvit"}),
     [](const auto& info) { return std::string(info.param.label); });
 
 }  // namespace

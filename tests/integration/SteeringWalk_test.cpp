@@ -54,7 +54,7 @@ class Steering : public EngineDaemon {
     script.insert(script.end(), {"text over", "wait 60"});
     return TestDaemon::task(
         scripted("a", "SOLVE", "velstraTurbo", script,
-                 argument("none", file("a.run")) + argument("-steering", steeringFile())));
+                 argumentText("none", file("a.run")) + argumentText("-steering", steeringFile())));
   }
 
   static bool waitReports(const TestDaemon& daemon, int count) {
@@ -274,11 +274,11 @@ TEST_F(Steering, TheExampleSolverTakesAChangeAndReports) {
   ASSERT_NE(settings.find(limit), std::string::npos);
   put("a.steering", settings.replace(settings.find(limit), limit.size(), "0"));
   put("a.steering.binary", "");
-  TestDaemon daemon(TestDaemon::task(
-      TestDaemon::step("SOLVE", "velstraTurbo",
-                       TestDaemon::arguments(argument("none", file("a.run")) +
-                                             argument("-iterations", "1000000000") +
-                                             argument("-steering", steeringFile())))));
+  TestDaemon daemon(
+      TestDaemon::task(TestDaemon::step("SOLVE", "velstraTurbo",
+                                        argumentsText(argumentText("none", file("a.run")) +
+                                                      argumentText("-iterations", "1000000000") +
+                                                      argumentText("-steering", steeringFile())))));
   ASSERT_TRUE(daemon.waitUpcall(phrase("settings: relaxation 1.95, stop at 0, output every 100")));
   PvmBody change;
   change.text(steeringFile());

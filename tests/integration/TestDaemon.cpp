@@ -138,21 +138,10 @@ bool TestDaemon::waitStatuses(const std::vector<std::int32_t>& expected, double 
   return waitUntil([&] { return poll(seconds) == expected; }, seconds);
 }
 
-std::string TestDaemon::argument(const std::string& type, const std::string& value,
-                                 const std::string& lines) {
-  return "    TL_BEGIN process_argument\n      TYPE " + type + "\n      VALUE " + value + "\n" +
-         lines + "    TL_END process_argument\n";
-}
-
-std::string TestDaemon::arguments(const std::string& all) {
-  return "  TL_BEGIN process_arguments\n" + all + "  TL_END process_arguments\n";
-}
-
 std::string TestDaemon::step(const std::string& name, const std::string& executable,
                              const std::string& lines, const std::string& host) {
-  return "TL_BEGIN subtask\n  NAME " + name + "\n  EXECUTABLE " + executable + "\n  HOSTNAME " +
-         (host.empty() ? VirtualMachine::shared().hostName() : host) + "\n" + lines +
-         "TL_END subtask\n";
+  return stepText(name, executable, host.empty() ? VirtualMachine::shared().hostName() : host,
+                  lines);
 }
 
 std::string TestDaemon::task(const std::string& steps, const std::string& lines) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "integration/PvmPeer.h"
+#include "support/TaskText.h"
 
 /// How a daemon is started in a test.
 struct TestDaemonOptions {
@@ -58,10 +59,6 @@ class TestDaemon {
   /// Text of a step of a task file, on this host without another. `lines` are further lines of it.
   static std::string step(const std::string& name, const std::string& executable,
                           const std::string& lines = {}, const std::string& host = {});
-  /// Text of one argument of a step, and of all of them.
-  static std::string argument(const std::string& type, const std::string& value,
-                              const std::string& lines = {});
-  static std::string arguments(const std::string& all);
   static std::string task(const std::string& steps, const std::string& lines = {});
 
  private:

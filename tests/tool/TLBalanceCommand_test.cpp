@@ -15,18 +15,6 @@
 
 namespace {
 
-// Standard output while it lives.
-class Captured {
- public:
-  Captured() : previous_(std::cout.rdbuf(text_.rdbuf())) {}
-  ~Captured() { std::cout.rdbuf(previous_); }
-  std::string text() const { return text_.str(); }
-
- private:
-  std::ostringstream text_;
-  std::streambuf* previous_;
-};
-
 class Balance : public testing::Test {
  protected:
   Balance() {
@@ -38,9 +26,10 @@ class Balance : public testing::Test {
     options.processors = 3;
   }
   std::string output(int expectedCode = TLExitCode::kOk) {
-    const Captured captured;
+    testing::internal::CaptureStdout();
     EXPECT_EQ(runBalance(options), expectedCode);
-    return captured.text();
+    std::cout.flush();
+    return testing::internal::GetCapturedStdout();
   }
   // The numbers behind "OWNERS" of the last line.
   static std::vector<int> ownersIn(const std::string& text) {

@@ -1,11 +1,10 @@
 #include "tool/TLCompletion.h"
 
 #include <gmock/gmock.h>
-#include <unistd.h>
 
 #include <filesystem>
-#include <fstream>
 
+#include "platform/TTempDir.h"
 #include "taskengine/TLKeptRun.h"
 #include "tool/TLCommandLine.h"
 
@@ -16,29 +15,23 @@ using testing::ElementsAreArray;
 
 class Completion : public ::testing::Test {
  protected:
-  Completion()
-      : directory_(fs::temp_directory_path() / ("tl-complete-" + std::to_string(getpid()))) {
-    fs::create_directories(directory_ / "sub");
-    write("heat.task", "TL_BEGIN task\nTL_END task\n");
-    write("heat.steering", "TL_BEGIN TL_steering_parameter\n");
-    write("notes.txt", "TL\n");
-    write("second.task", "TL_BEGIN task\nTL_END task\n");
+  Completion() {
+    files_.write("sub/.keep", "");
+    files_.write("heat.task", "TL_BEGIN task\nTL_END task\n");
+    files_.write("heat.steering", "TL_BEGIN TL_steering_parameter\n");
+    files_.write("notes.txt", "TL\n");
+    files_.write("second.task", "TL_BEGIN task\nTL_END task\n");
     addDaemon(7, directory_ / "heat.task", "plate");
     addDaemon(8, directory_ / "second.task", "twice");
     addDaemon(9, directory_ / "second.task", "twice");
     addKeptRun(directory_ / "over.task", "over");
   }
-  ~Completion() override { fs::remove_all(directory_); }
 
   void addKeptRun(const fs::path& file, const std::string& name) const {
     TLKeptRun kept;
     kept.run.taskFile = file;
     kept.run.taskName = name;
     ASSERT_EQ(kept.save(directory_), 0);
-  }
-
-  void write(const std::string& name, const std::string& text) const {
-    std::ofstream(directory_ / name) << text;
   }
 
   // Daemons of other hosts count as live.
@@ -50,9 +43,7 @@ class Completion : public ::testing::Test {
     state.taskFile = file;
     state.taskName = name;
     state.steps.resize(3);
-    state.steps[0].name = "MESH";
-    state.steps[1].name = "SOLVER";
-    state.steps[2].name = "MESH";
+    for (int i = 0; i < 3; ++i) state.steps[i].name = i == 1 ? "SOLVER" : "MESH";
     ASSERT_EQ(state.save(directory_), 0);
   }
 
@@ -64,7 +55,8 @@ class Completion : public ::testing::Test {
     return found;
   }
 
-  fs::path directory_;
+  TTempDir files_;
+  const fs::path directory_ = files_.path();
   mutable TLCommandLine line_;
 };
 

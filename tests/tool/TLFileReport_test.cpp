@@ -3,9 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <filesystem>
-#include <fstream>
-
+#include "platform/TTempDir.h"
 #include "tool/TLTaskFile.h"
 
 namespace {
@@ -14,23 +12,18 @@ using ::testing::HasSubstr;
 
 class TaskFileReport : public ::testing::Test {
  protected:
-  TaskFileReport()
-      : path_(std::filesystem::temp_directory_path() /
-              ("tl-report-" + std::to_string(::getpid()) + ".task")) {}
-  ~TaskFileReport() override { std::filesystem::remove(path_); }
-
   std::string reportOf(const std::string& text, bool expectGood) {
-    std::ofstream(path_) << text;
-    TLTaskFile file(path_);
+    const std::string path = files_.write("a.task", text);
+    TLTaskFile file(path);
     EXPECT_EQ(file.read(), expectGood);
     std::string report = file.report().text();
-    for (auto at = report.find(path_); at != std::string::npos; at = report.find(path_)) {
-      report.replace(at, path_.string().size(), "FILE");
+    for (auto at = report.find(path); at != std::string::npos; at = report.find(path)) {
+      report.replace(at, path.size(), "FILE");
     }
     return report;
   }
 
-  std::filesystem::path path_;
+  TTempDir files_;
 };
 
 TEST_F(TaskFileReport, APassedOverLineNamesTheWordThatWasMeant) {

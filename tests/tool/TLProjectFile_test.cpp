@@ -46,29 +46,28 @@ TEST(ProjectFile, TellsWhatReadingDropsAndWhatWasMeant) {
   }
 }
 
-TEST(ProjectFile, PointsAtTheLineThatWasRefused) {
-  const Definitions definitions;
-  const TTempDir dir;
-  TLProjectFile file(dir.write("bad.run",
-                               "TALVEN_PROJECT_FILE VERSION 1210\nTL_BEGIN computation\n"
-                               "   TL_BEGIN acoustic_data\n    VERSION  \n    X 1\n"));
-  EXPECT_FALSE(file.read(TLDefinitionNeed::look, false));
-  EXPECT_NE(file.report().text().find(":4:5: fault: version <number>\n      VERSION  \n      ^\n"),
-            std::string::npos)
-      << file.report().text();
-}
-
-TEST(ProjectFile, RefusesToRewriteWithoutTheDefinitionOfTheParameters) {
+TEST(ProjectFile, TellsWhyItIsRefused) {
   const Definitions definitions;
   definitions.write("velstra.def", "no list\n");
+  struct Case {
+    const char* text;
+    TLDefinitionNeed need;
+    const char* told;
+  };
+  const Case cases[] = {
+      {"TALVEN_PROJECT_FILE VERSION 1210\nTL_BEGIN computation\n"
+       "   TL_BEGIN acoustic_data\n    VERSION  \n    X 1\n",
+       TLDefinitionNeed::look, ":4:5: fault: version <number>\n      VERSION  \n      ^\n"},
+      {kRun, TLDefinitionNeed::rewrite, "velstra.def"},
+      {"something else\n", TLDefinitionNeed::look, "fault"},
+  };
   const TTempDir dir;
-  const auto path = dir.write("fan.run", kRun);
-  TLProjectFile refused(path);
-  EXPECT_FALSE(refused.read(TLDefinitionNeed::rewrite, false));
-  EXPECT_NE(refused.report().text().find("velstra.def"), std::string::npos);
-  TLProjectFile noProject(dir.write("x.run", "something else\n"));
-  EXPECT_FALSE(noProject.read(TLDefinitionNeed::look, false));
-  EXPECT_TRUE(noProject.report().hasFault());
+  for (const auto& test : cases) {
+    TLProjectFile file(dir.write("fan.run", test.text));
+    EXPECT_FALSE(file.read(test.need, false)) << test.told;
+    EXPECT_TRUE(file.report().hasFault()) << test.told;
+    EXPECT_NE(file.report().text().find(test.told), std::string::npos) << file.report().text();
+  }
 }
 
 TEST(FileKind, IsToldByTheContent) {

@@ -1,25 +1,18 @@
 #include "taskengine/TLRunState.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <fstream>
 
 #include "platform/TLHostForm.h"
+#include "platform/TTempDir.h"
 #include "taskengine/TLKeptRun.h"
 
 namespace {
 
 class RunState : public ::testing::Test {
  protected:
-  RunState()
-      : directory_(std::filesystem::temp_directory_path() /
-                   ("tl-state-" + std::to_string(::getpid()))) {
-    std::filesystem::create_directory(directory_);
-  }
-  ~RunState() override { std::filesystem::remove_all(directory_); }
-
   static TLRunState example(int pid, double started) {
     TLRunState state;
     state.tid = 262146;
@@ -44,7 +37,8 @@ class RunState : public ::testing::Test {
     return state;
   }
 
-  std::filesystem::path directory_;
+  TTempDir files_;
+  const std::filesystem::path directory_ = files_.path();
 };
 
 TEST_F(RunState, ComesBackAsItWasAndGoes) {

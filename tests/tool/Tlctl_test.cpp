@@ -8,29 +8,23 @@
 #include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
 #include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
-#include <thread>
 
+#include "integration/Waiting.h"
 #include "platform/TLProcess.h"
+#include "platform/TTempDir.h"
+#include "support/TaskText.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using ::testing::HasSubstr;
 using ::testing::Not;
-
-std::string textOf(const fs::path& path) {
-  std::ifstream file(path);
-  std::ostringstream text;
-  text << file.rdbuf();
-  return text.str();
-}
 
 class Tlctl : public ::testing::Test {
  protected:
@@ -40,8 +34,6 @@ class Tlctl : public ::testing::Test {
   };
 
   Tlctl() {
-    std::string pattern = (fs::temp_directory_path() / "tlctl-XXXXXX").string();
-    directory_ = mkdtemp(pattern.data());
     fs::create_directories(directory_ / "tools");
     const std::string install = std::string("cmake --install ") + TL_BUILD_DIR + " --prefix " +
                                 (directory_ / "suite").string() + " > /dev/null";
@@ -54,17 +46,14 @@ class Tlctl : public ::testing::Test {
     fs::create_directory(directory_ / "home-pvm");
   }
 
-  ~Tlctl() override {
-    endVirtualMachine();
-    fs::remove_all(directory_);
-  }
+  ~Tlctl() override { endVirtualMachine(); }
 
   // What a run that was left to itself still holds.
   void endVirtualMachine() const {
     for (const auto& entry : fs::directory_iterator("/proc")) {
       const std::string name = entry.path().filename();
       if (name.find_first_not_of("0123456789") != std::string::npos) continue;
-      if (textOf(entry.path() / "environ").find(directory_.string()) != std::string::npos) {
+      if (contentsOf(entry.path() / "environ").find(directory_.string()) != std::string::npos) {
         requestProcessEnd(std::stoi(name));
       }
     }
@@ -85,17 +74,8 @@ class Tlctl : public ::testing::Test {
     const fs::path output = directory_ / "output";
     fs::remove(output);
     auto process = start(words, output);
-    wait([&] { return !process->running(); });
-    return {process->exitCode().value_or(-1), textOf(output)};
-  }
-
-  static bool wait(const std::function<bool()>& done, double seconds = 60) {
-    const auto end = std::chrono::steady_clock::now() + std::chrono::duration<double>(seconds);
-    while (!done()) {
-      if (std::chrono::steady_clock::now() > end) return false;
-      std::this_thread::sleep_for(std::chrono::milliseconds(5));
-    }
-    return true;
+    waitUntil([&] { return !process->running(); });
+    return {process->exitCode().value_or(-1), contentsOf(output)};
   }
 
   static std::string hostName() {
@@ -106,16 +86,13 @@ class Tlctl : public ::testing::Test {
 
   // A step that does `commands` under the name of the program `executable`.
   std::string step(const std::string& name, const std::string& executable,
-                   const std::vector<std::string>& commands) const {
+                   const std::vector<std::string>& commands,
+                   const std::string& further = {}) const {
     const fs::path tool = directory_ / "tools" / executable;
     if (!fs::exists(tool)) fs::create_symlink(TL_FAKETOOL, tool);
-    std::string text = "TL_BEGIN subtask\n NAME " + name + "\n EXECUTABLE " + executable +
-                       "\n HOSTNAME " + hostName() + "\n TL_BEGIN process_arguments\n";
-    for (const auto& command : commands) {
-      text += "  TL_BEGIN process_argument\n   TYPE -do\n   VALUE " + command +
-              "\n  TL_END process_argument\n";
-    }
-    return text + " TL_END process_arguments\nTL_END subtask\n";
+    std::string arguments = further;
+    for (const auto& command : commands) arguments += argumentText("-do", command);
+    return stepText(name, executable, hostName(), argumentsText(arguments));
   }
 
   std::string writeTask(const std::string& steps) const {
@@ -124,7 +101,8 @@ class Tlctl : public ::testing::Test {
     return path;
   }
 
-  fs::path directory_;
+  TTempDir files_;
+  const fs::path directory_ = files_.path();
   std::map<std::string, std::string> environment_;
 };
 
@@ -138,7 +116,7 @@ TEST_F(Tlctl, RunsATaskToItsEndAndLeavesNothingBehind) {
   EXPECT_THAT(answer.text, HasSubstr("step 1 SOLVE: all is well"));
   EXPECT_THAT(answer.text, HasSubstr("   2  PICTURE  finished ok"));
   EXPECT_EQ(run({"list"}).text, "");
-  EXPECT_TRUE(wait([&] {
+  EXPECT_TRUE(waitUntil([&] {
     return fs::is_empty(directory_ / "home-pvm") ||
            !fs::exists(directory_ / "home-pvm" /
                        ("pvmd." + std::to_string(getuid()) + "." + directory_.filename().string()));
@@ -157,10 +135,10 @@ TEST_F(Tlctl, TellsWhyAStepDied) {
   const auto log = answer.text.rfind("; log: ");
   ASSERT_NE(log, std::string::npos) << answer.text;
   const std::string path = answer.text.substr(log + 7, answer.text.find('\n', log) - log - 7);
-  EXPECT_THAT(textOf(path), HasSubstr("last words")) << "kept for later";
+  EXPECT_THAT(contentsOf(path), HasSubstr("last words")) << "kept for later";
   EXPECT_EQ(run({"report", "nothing", "-o", directory_ / "page"}).code, 3);
   EXPECT_EQ(run({"report", "some task", "-o", directory_ / "page"}).code, 0);
-  const std::string page = textOf(directory_ / "page");
+  const std::string page = contentsOf(directory_ / "page");
   EXPECT_THAT(page, HasSubstr("SOLVE  last words"));
   EXPECT_THAT(page, HasSubstr("<pre>negative volume\n</pre>"));
 }
@@ -172,11 +150,12 @@ TEST_F(Tlctl, TalksToADaemonThatWasLeft) {
   const fs::path output = directory_ / "run-output";
   auto following =
       start({"run", "--tools", directory_ / "tools", "--interval", "50", task}, output);
-  ASSERT_TRUE(wait([&] { return textOf(output).find("SOLVE: running") != std::string::npos; }))
-      << textOf(output);
+  ASSERT_TRUE(waitUntil([&] {
+    return contentsOf(output).find("SOLVE: running") != std::string::npos;
+  })) << contentsOf(output);
   following->terminate();
   EXPECT_EQ(following->exitCode(), 0);
-  EXPECT_THAT(textOf(output), HasSubstr("tlctl attach"));
+  EXPECT_THAT(contentsOf(output), HasSubstr("tlctl attach"));
 
   const auto status = nlohmann::json::parse(run({"status", task, "--json"}).text);
   EXPECT_EQ(status["version"], 1);
@@ -199,9 +178,7 @@ class Terminal {
  public:
   Terminal(const std::vector<std::string>& words,
            const std::map<std::string, std::string>& environment, int rows, int columns) {
-    winsize size{};
-    size.ws_row = static_cast<unsigned short>(rows);
-    size.ws_col = static_cast<unsigned short>(columns);
+    const winsize size = sizeOf(rows, columns);
     pid_ = forkpty(&descriptor_, nullptr, nullptr, &size);
     if (pid_ == 0) {
       for (const auto& [name, value] : environment) setenv(name.c_str(), value.c_str(), 1);
@@ -220,9 +197,7 @@ class Terminal {
 
   void press(char key) const { EXPECT_EQ(write(descriptor_, &key, 1), 1); }
   void resize(int rows, int columns) {
-    winsize size{};
-    size.ws_row = static_cast<unsigned short>(rows);
-    size.ws_col = static_cast<unsigned short>(columns);
+    const winsize size = sizeOf(rows, columns);
     ioctl(descriptor_, TIOCSWINSZ, &size);
     text_.clear();
   }
@@ -238,6 +213,10 @@ class Terminal {
   int code() const { return code_; }
 
  private:
+  static winsize sizeOf(int rows, int columns) {
+    return {static_cast<unsigned short>(rows), static_cast<unsigned short>(columns), 0, 0};
+  }
+
   pid_t pid_ = -1;
   int descriptor_ = -1;
   int code_ = -1;
@@ -249,14 +228,10 @@ TEST_F(Tlctl, KeepsALineForEachStepOnATerminal) {
   std::ofstream(steering) << " VERSION 1.0\n TL_BEGIN TL_steering_parameter\n  VERSION 2.0\n"
                              "  NAME rms\n TL_END TL_steering_parameter\n";
   std::ofstream(steering.string() + ".binary");
-  std::string solver =
+  const std::string solver =
       step("SOLVE", "velstraTurbo",
-           {"started", "text reading \x1b[31mthe mesh", "values rms 1 1 250 0.01", "wait 120"});
-  solver.insert(solver.find(" TL_END process_arguments"),
-                "  TL_BEGIN process_argument\n   TYPE -iterations\n   VALUE 1000\n"
-                "  TL_END process_argument\n  TL_BEGIN process_argument\n   TYPE -steering\n"
-                "   VALUE " +
-                    steering.string() + "\n  TL_END process_argument\n");
+           {"started", "text reading \x1b[31mthe mesh", "values rms 1 1 250 0.01", "wait 120"},
+           argumentText("-iterations", "1000") + argumentText("-steering", steering.string()));
   const std::string task = writeTask(solver + step("NEXT", "nexttool", {"exit 0"}));
   auto environment = environment_;
   environment["TERM"] = "xterm";
@@ -264,7 +239,7 @@ TEST_F(Tlctl, KeepsALineForEachStepOnATerminal) {
                      "--interval", "50", task},
                     environment, 30, 120);
   const auto shows = [&](const char* text) {
-    return wait([&] { return terminal.text().find(text) != std::string::npos; });
+    return waitUntil([&] { return terminal.text().find(text) != std::string::npos; });
   };
   EXPECT_TRUE(
       shows("iteration 250 of 1000 (25 %), rms 1.00e-02 (2.0 orders down)  reading  [31mthe"))
@@ -283,7 +258,7 @@ TEST_F(Tlctl, KeepsALineForEachStepOnATerminal) {
     EXPECT_LE(static_cast<long>(line.size()) - std::ranges::count_if(line, continued), 40) << line;
   }
   terminal.press('q');
-  EXPECT_TRUE(wait([&] { return terminal.ended(); }));
+  EXPECT_TRUE(waitUntil([&] { return terminal.ended(); }));
   EXPECT_EQ(terminal.code(), 0);
   EXPECT_THAT(terminal.text(), HasSubstr("tlctl attach"));
   EXPECT_EQ(run({"stop"}).code, 0);
@@ -306,13 +281,11 @@ TEST_F(Tlctl, AnswersWrongUseWithTwoAndNobodyThereWithThree) {
 
 TEST_F(Tlctl, ChecksAndPlansJobScripts) {
   const std::string runFile = (directory_ / "duct.run").string();
-  const std::string task = writeTask(
-      "TL_BEGIN subtask\n  NAME TOOL\n  EXECUTABLE tool\n  HOSTNAME " + hostName() +
-      "\n"
-      "  TL_BEGIN load_balancing\n    QUEUING_SYSTEM_ACTIVATED 2\n    QUEUING_SYSTEM_QUEUE mpi\n"
-      "  TL_END load_balancing\n  TL_BEGIN process_arguments\n    TL_BEGIN process_argument\n"
-      "      TYPE none\n      VALUE " +
-      runFile + "\n    TL_END process_argument\n  TL_END process_arguments\nTL_END subtask\n");
+  const std::string task =
+      writeTask(stepText("TOOL", "tool", hostName(),
+                         "  TL_BEGIN load_balancing\n    QUEUING_SYSTEM_ACTIVATED 2\n"
+                         "    QUEUING_SYSTEM_QUEUE mpi\n  TL_END load_balancing\n" +
+                             argumentsText(argumentText("none", runFile))));
   const std::string missing = "The template of the job script, " +
                               (directory_ / "duct.pbs").string() + ", can't be read: put one";
   for (const char* command : {"check", "plan"}) {
@@ -327,7 +300,7 @@ TEST_F(Tlctl, ChecksAndPlansJobScripts) {
   EXPECT_THAT(plan.text, HasSubstr("  submits   qsub -C \\#PBS  " + directory_.string()));
   EXPECT_THAT(plan.text, HasSubstr("  script    #PBS -N compNNN\n"));
   EXPECT_THAT(plan.text, HasSubstr("  script    RUN_FILE=" + runFile + "\n"));
-  EXPECT_EQ(textOf(directory_ / "duct.pbs"), "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
+  EXPECT_EQ(contentsOf(directory_ / "duct.pbs"), "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
 }
 
 TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
@@ -337,17 +310,17 @@ TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
   const fs::path twice = directory_ / "twice";
   EXPECT_EQ(run({"rewrite", "task", task, once}).code, 0);
   EXPECT_EQ(run({"rewrite", "task", once, twice}).code, 0);
-  EXPECT_EQ(textOf(once), textOf(twice));
+  EXPECT_EQ(contentsOf(once), contentsOf(twice));
   EXPECT_THAT(run({"check", once}).text, Not(HasSubstr("warning: no key"))) << "written by us";
   std::ofstream(task) << "NAME a\nSTATUS\n";
   const Answer refused = run({"rewrite", "task", task, once});
   EXPECT_EQ(refused.code, 1);
   EXPECT_THAT(refused.text, HasSubstr("  wrong format for4: STATUS\n"));
-  EXPECT_EQ(textOf(once), textOf(twice)) << "a file is replaced only by a complete one";
+  EXPECT_EQ(contentsOf(once), contentsOf(twice)) << "a file is replaced only by a complete one";
   std::ofstream(task) << "NAME a\r\nTL_BEGIN subtask\r\nTL_END subtask\r\n";
   EXPECT_THAT(run({"check", task}).text, HasSubstr("warning: its lines end in carriage returns"));
   EXPECT_EQ(run({"rewrite", "task", task, once}).code, 1);
-  EXPECT_EQ(textOf(once), textOf(twice)) << "nothing that isn't recognised is lost";
+  EXPECT_EQ(contentsOf(once), contentsOf(twice)) << "nothing that isn't recognised is lost";
 }
 
 TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
@@ -359,19 +332,17 @@ TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
   EXPECT_THAT(run({"plot", file, "-o", directory_ / "a.png"}).text, HasSubstr("some.steering.bin"));
   std::ofstream(file.string() + ".binary");
   EXPECT_THAT(run({"plot", file, "-o", directory_ / "a.png"}).text, HasSubstr("holds no values"));
-  std::string solver = step("SOLVE", "velstraTurbo",
-                            {"started", "ask", "await 12 60", "values rms 1 0.5 2 0.25",
-                             "await 12 60", "values rms 3 0.125", "wait 60"});
-  solver.insert(solver.find(" TL_END process_arguments"),
-                "  TL_BEGIN process_argument\n   TYPE -steering\n   VALUE " + file.string() +
-                    "\n  TL_END process_argument\n");
+  const std::string solver = step("SOLVE", "velstraTurbo",
+                                  {"started", "ask", "await 12 60", "values rms 1 0.5 2 0.25",
+                                   "await 12 60", "values rms 3 0.125", "wait 60"},
+                                  argumentText("-steering", file.string()));
   const std::string task = writeTask(solver);
   ASSERT_EQ(run({"start", "--tools", directory_ / "tools", task}).code, 0);
   const fs::path output = directory_ / "watched";
   auto watching = start({"watch", "--interval", "20", task}, output);
-  EXPECT_TRUE(wait([&] {
-    return textOf(output).find("iteration 2: rms 0.25") != std::string::npos;
-  })) << textOf(output);
+  EXPECT_TRUE(waitUntil([&] {
+    return contentsOf(output).find("iteration 2: rms 0.25") != std::string::npos;
+  })) << contentsOf(output);
 
   EXPECT_EQ(run({"steer", task, "list"}).text, "rms\treal\t1.5\n");
   EXPECT_EQ(run({"steer", task, "set", "rms", "fast"}).code, 2);
@@ -379,18 +350,18 @@ TEST_F(Tlctl, SteersASolverAndWatchesItsResiduals) {
   EXPECT_EQ(run({"steer", task, "set", "rms"}).code, 2);
   EXPECT_EQ(run({"steer", task, "get", "courant number"}).text, "1.5\n");
   EXPECT_EQ(run({"steer", task, "set", "rms", "-0.25"}).text, "rms\t-0.25\n");
-  EXPECT_TRUE(wait([&] {
-    return textOf(output).find("iteration 3: rms 0.125") != std::string::npos;
-  })) << textOf(output);
+  EXPECT_TRUE(waitUntil([&] {
+    return contentsOf(output).find("iteration 3: rms 0.125") != std::string::npos;
+  })) << contentsOf(output);
   EXPECT_EQ(run({"steer", task, "get", "rms"}).text, "-0.25\n") << "in the file, too";
   EXPECT_EQ(run({"stop"}).code, 0);
-  EXPECT_TRUE(wait([&] { return !watching->running(); }));
+  EXPECT_TRUE(waitUntil([&] { return !watching->running(); }));
   EXPECT_EQ(run({"exit"}).code, 0);
   EXPECT_EQ(run({"steer", task, "list"}).code, 3);
   const fs::path copy = directory_ / "copy.steering";
   EXPECT_EQ(run({"rewrite", "steering", file, copy}).code, 0);
-  EXPECT_THAT(textOf(copy), HasSubstr("courant number"));
-  EXPECT_EQ(textOf(copy.string() + ".binary"), "");
+  EXPECT_THAT(contentsOf(copy), HasSubstr("courant number"));
+  EXPECT_EQ(contentsOf(copy.string() + ".binary"), "");
   fs::remove(copy.string() + ".binary");
   EXPECT_THAT(run({"rewrite", "steering", copy, file}).text,
               HasSubstr("ERROR: file: " + copy.string() + ".binary does not exist\n"));

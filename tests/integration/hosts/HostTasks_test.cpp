@@ -41,12 +41,11 @@ class HostTasks : public EngineDaemon {
     const std::string script = "/mnt/" + std::to_string(scripts_++) + ".fake";
     std::ofstream out(HostNetwork::disk("beta") / script.substr(5));
     for (const auto& command : commands) out << command << '\n';
-    return TestDaemon::step(
-        name, executable,
-        "  REMOTETMPDIR /mnt/tmp\n  REMOTELOGIN root\n" + lines +
-            TestDaemon::arguments(TestDaemon::argument("none", file, "      LOCAL_FILE yes\n") +
-                                  argument("-script", script)),
-        "beta");
+    return TestDaemon::step(name, executable,
+                            "  REMOTETMPDIR /mnt/tmp\n  REMOTELOGIN root\n" + lines +
+                                argumentsText(argumentText("none", file, "      LOCAL_FILE yes\n") +
+                                              argumentText("-script", script)),
+                            "beta");
   }
   /// Lines of a step with processes on `hosts`, as "2 beta gamma".
   static std::string parallel(const std::string& hosts, const std::string& lines = {}) {
@@ -325,7 +324,7 @@ TEST_F(HostTasks, PathsAreMappedForAHostThatSharesTheDisk) {
   TestDaemon daemon(
       TestDaemon::task(
           TestDaemon::step("QUOREL_CFD", "quorelcfd",
-                           TestDaemon::arguments(argument("none", dir.file("proj/sim/case.sim"))),
+                           argumentsText(argumentText("none", dir.file("proj/sim/case.sim"))),
                            "beta"),
           "  LOCAL_COMPUTATION_PATH " + dir.file("proj/sim/") +
               "\n  COMPUTATION_FILE_NAME case.sim\n"),
@@ -373,7 +372,7 @@ TEST_F(HostTasks, ACheckTellsWhatIsMissingBeforeAnythingStarts) {
       farStep("GOOD", "tool", dir.file("there.dat"), {}) + onDelta(lost) +
       farStep("LATER", "tool", dir.file("later.dat"), {}) +
       TestDaemon::step("QUOREL_CFD", "quorelcfd",
-                       TestDaemon::arguments(argument("none", dir.file("sim/case.sim"))), "gamma");
+                       argumentsText(argumentText("none", dir.file("sim/case.sim"))), "gamma");
   const std::string place = "  LOCAL_COMPUTATION_PATH " + dir.file("sim/") + "\n";
   const auto check = [&](const std::string& steps, const std::string& words) {
     dir.write("t.task", TestDaemon::task(steps, place));
