@@ -81,21 +81,14 @@ constexpr const char* kUnstructured =
 INSTANTIATE_TEST_SUITE_P(
     Steps, LaunchWords,
     testing::Values(
-        Launched{"solver", "VELSTRA", "velstra", argumentText("-steering", "undefined"), "",
-                 kStructured, "velstraTurbo"},
         Launched{"parallelSolver", "VELSTRA", "velstraTurbo",
                  argumentText("-steering", "/x y/a.steering"), parallelBlock("    MPI_TYPE 1\n"),
                  kStructured, "velstraTurbo_parallel"},
-        Launched{"unreadable", "VELSTRA", "velstra", "", "  USER_SOLVER_PRECISION 1\n", "none\n",
-                 "velstraTurbodp"},
-        Launched{"unstructured", "LUMBRAKE", "lumbrakesp", argumentText("-display", ":0"), "",
-                 kUnstructured, "lumbrakedp"},
         Launched{"parallelUnstructured", "LUMBRAKE", "lumbrakesp",
                  argumentText("-empty", "undefined"),
                  "  TL_BEGIN load_balancing\n    PARALLEL 1\n    PROCESS_NAME 1 @HOST@\n"
                  "  TL_END load_balancing\n",
                  kUnstructured, "lumbrakedp_parallel"},
-        Launched{"mesher", "MESH", "zyv", argumentText("-batch", "none"), "", nullptr, "zyv"},
         Launched{"postProcessor", "POST", "sorvit", argumentText("-macro", "$(id) `id` ; \"x\""),
                  "", nullptr, "sorvit"}),
     [](const auto& info) { return std::string(info.param.label); });

@@ -11,6 +11,7 @@
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
 #include "platform/TTempDir.h"
+#include "support/RecordingTool.h"
 #include "taskengine/TLTask.h"
 
 namespace {
@@ -26,10 +27,8 @@ class Jobs : public testing::Test {
     recordedVirtualMachine().ownHost = hostForm().hostName();
     for (const char* name : {"qsub", "qstat", "qdel", "bsub", "bjobs", "bkill", "tlrsh", "tlrcp"}) {
       dir.write(std::string("bin/") + name,
-                "#!/bin/sh\n{ printf %s \"${0##*/}\"; for i; do printf '|%s' \"$i\"; done; echo; "
-                "} >> '" +
-                    dir.file("asked") + "'\ncat '" + dir.file("answer-") + name +
-                    "' 2>/dev/null\nexit 1\n",
+                recordingTool(dir.file("asked"),
+                              "cat '" + dir.file("answer-") + name + "' 2>/dev/null\nexit 1\n"),
                 true);
     }
     dir.write("tmp/.keep", "");
@@ -109,11 +108,10 @@ TEST_F(Jobs, AreSubmittedFoundAndDeleted) {
     SCOPED_TRACE(test.tool);
     useKind(test.kind);
     const std::string script = std::string("w/duct") + extension(test.kind);
-    dir.write(
-        std::string("bin/") + test.tool,
-        "#!/bin/sh\n{ printf %s \"${0##*/}\"; for i; do printf '|%s' \"$i\"; done; echo; } >> '" +
-            dir.file("asked") + "'\nlist " + (extension(test.kind) + 1) + " '" + test.row + "'\n",
-        true);
+    dir.write(std::string("bin/") + test.tool,
+              recordingTool(dir.file("asked"), std::string("list ") + (extension(test.kind) + 1) +
+                                                   " '" + test.row + "'\n"),
+              true);
     std::int32_t job = -1;
     EXPECT_EQ(submit(job), 0);
     EXPECT_EQ(job, 77);

@@ -33,7 +33,6 @@ class Launches : public TLaunchFixture {
     auto& vm = recordedVirtualMachine();
     vm.spawns.clear();
     runFileDouble().facts = {true, 0, "single", true, 0};
-    runFileDouble().calls.clear();
     step = makeHandle<TLSubTask>();
     step->name = "VELSTRA";
     step->hostName = "here";
@@ -307,64 +306,36 @@ TEST_F(TLaunchFixture, NoStepStartsWithoutTheFilesItNeeds) {
   EXPECT_EQ(started(), "0 starts");
 }
 
-TEST_F(TLaunchFixture, RunFileGetsTheDistribution) {
-  usePosix();
-  step->executable = "velstraTurbo";
-  arguments({{"none", "/p/a.run"}});
-  step->integerSize = 11;
-  step->realSize = 22;
-  auto& balancing = step->loadBalancing;
-  balancing.processNames = {"here", "far"};
-  balancing.blockProcess = {0, 1};
-  runFileDouble().blocks = 3;
-  const auto calls = [&] {
-    runFileDouble().calls.clear();
-    arguments({{"none", "/p/a.run"}});
-    launching().startStep(*step);
-    return runFileDouble().calls;
+TEST(RunFileDistribution, IsThatOfTheProcessesOrOfTheQueue) {
+  struct Case {
+    std::int32_t queue, parallel, processors;
+    int automatic;
+    const char* distribution;
   };
-  EXPECT_THAT(calls(), ElementsAre("read /p/a.run", "write", "NTASK 2", "ICOMP 0", "write",
-                                   "steering", "write"));
-  balancing.parallel = 1;
-  EXPECT_THAT(calls(),
-              ElementsAre("read /p/a.run", "write", "NTASK 2", "ICOMP 2", "processes 1 2 1",
-                          "write", "memory 11 22", "steering", "write"));
-  balancing.parallel = 2;
-  step->virtualPartition.setNbTasks(7);
-  EXPECT_THAT(calls(), testing::Contains("NTASK 7"));
-  runFileDouble().facts.projectType = 2;
-  EXPECT_THAT(calls(), ElementsAre("read /p/a.run"));
-}
-
-TEST_F(TLaunchFixture, QueuedRunFilesGetTheProcessorsOfTheQueue) {
-  const auto distribution = [](std::int32_t parallel, std::int32_t processors, int automatic) {
+  const Case cases[] = {
+      {0, 0, 4, 1, "2"},
+      {0, 1, 4, 1, "2 communicating distributed"},
+      {0, 2, 4, 1, "9 communicating distributed"},
+      {1, 1, 4, 1, "4 communicating balanced distributed"},
+      {1, 1, 4, 0, "4 communicating distributed"},
+      {1, 0, 4, 1, "4 communicating"},
+      {1, 1, 1, 1, "1"},
+  };
+  for (const auto& test : cases) {
     TLLoadBalancing balancing;
-    balancing.queuingSystemActivated = 1;
-    balancing.parallel = parallel;
-    balancing.nbQueuingSystemProcessor = processors;
-    balancing.automaticLoadBalancing = automatic;
+    balancing.processNames = {"here", "far"};
+    balancing.queuingSystemActivated = test.queue;
+    balancing.parallel = test.parallel;
+    balancing.nbQueuingSystemProcessor = test.processors;
+    balancing.automaticLoadBalancing = test.automatic;
     const auto found = distributionOf(balancing, 9, 5);
-    return std::to_string(found.taskCount) + (found.communication == 2 ? " communicating" : "") +
-           (found.balance ? " balanced" : "") + (found.processes ? " distributed" : "");
-  };
-  EXPECT_EQ(distribution(1, 4, 1), "4 communicating balanced distributed");
-  EXPECT_EQ(distribution(1, 4, 0), "4 communicating distributed");
-  EXPECT_EQ(distribution(0, 4, 1), "4 communicating");
-  EXPECT_EQ(distribution(1, 1, 1), "1");
-}
-
-TEST_F(TLaunchFixture, UnreadableRunFileIsKept) {
-  usePosix();
-  runFileDouble().facts = {};
-  const std::string run = dir.write("a.run", "precious");
-  dir.write("a.run.unreadable", "other");
-  step->executable = "velstraTurbo";
-  arguments({{"none", run}});
-  EXPECT_EQ(launching().startStep(*step), 0);
-  EXPECT_TRUE(told("task_manager_receive_message CANNOT_OPEN_RUN_FILE"));
-  EXPECT_EQ(dir.read("a.run.unreadable"), "other");
-  EXPECT_EQ(dir.read("a.run.unreadable2"), "precious");
-  EXPECT_EQ(std::count(runFileDouble().calls.begin(), runFileDouble().calls.end(), "write"), 3);
+    EXPECT_EQ(std::to_string(found.taskCount) + (found.communication == 2 ? " communicating" : "") +
+                  (found.balance ? " balanced" : "") + (found.processes ? " distributed" : ""),
+              test.distribution);
+  }
+  TLLoadBalancing parallel;
+  parallel.parallel = 1;
+  EXPECT_FALSE(distributionOf(parallel, 9, 0).processes) << "no blocks";
 }
 
 TEST_F(TLaunchFixture, ShapeOptimiser) {

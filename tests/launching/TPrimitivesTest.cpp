@@ -8,6 +8,7 @@
 #include "launching/TLPathText.h"
 #include "platform/TLConsole.h"
 #include "platform/TTempDir.h"
+#include "support/RecordingTool.h"
 
 namespace {
 
@@ -36,9 +37,7 @@ class Primitives : public testing::TestWithParam<TLHostKind> {
     const std::string suffix = win32 ? ".bat" : "";
     for (const char* name : {"tlrsh", "tlrcp"}) {
       dir_.write(std::string("suite/bin/") + name + suffix,
-                 "#!/bin/sh\n{ printf %s \"${0##*/}\"; for i; do printf '|%s' \"$i\"; done; echo; "
-                 "} >> '" +
-                     dir_.file("words") + "'\ncat '" + dir_.file("answer") + "'\nexit 3\n",
+                 recordingTool(dir_.file("words"), "cat '" + dir_.file("answer") + "'\nexit 3\n"),
                  true);
     }
     dir_.write("answer", "");

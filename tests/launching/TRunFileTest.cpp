@@ -43,6 +43,8 @@ class RunFiles : public testing::Test {
     step->executable = "velstraTurbo";
     step->loadBalancing.processNames = {"here", "far", "far"};
     step->loadBalancing.blockProcess = {0, 1, 2, 1};
+    step->integerSize = 111;
+    step->realSize = 222;
   }
 
   void launch(const std::string& text) {
@@ -59,15 +61,13 @@ class RunFiles : public testing::Test {
     return RunFileGenerator(options).runFile();
   }
 
+  const Definitions definitions;
   TTempDir dir;
   Handle<TLSubTask> step = makeHandle<TLSubTask>();
 };
 
 TEST_F(RunFiles, HoldTheDistributionAfterALaunch) {
-  const Definitions definitions;
   step->loadBalancing.parallel = 1;
-  step->integerSize = 111;
-  step->realSize = 222;
   launch(runFile());
   const std::string text = dir.read("a.run");
   EXPECT_THAT(valuesOf(text, "NTASK,I,1,1,0"), testing::ElementsAre(HasSubstr("3")));
@@ -81,16 +81,15 @@ TEST_F(RunFiles, HoldTheDistributionAfterALaunch) {
 }
 
 TEST_F(RunFiles, SequentialRunsKeepTheirBlocks) {
-  const Definitions definitions;
   launch(runFile());
   const std::string text = dir.read("a.run");
   EXPECT_THAT(valuesOf(text, "NTASK,I,1,1,0"), testing::ElementsAre(HasSubstr("3")));
   EXPECT_THAT(valuesOf(text, "ICOMP,I,1,1,0"), testing::ElementsAre(HasSubstr("0")));
   EXPECT_THAT(valuesOf(text, "PROCESS_ID"), testing::Not(testing::Contains("2")));
+  EXPECT_THAT(valuesOf(text, "MEMORY_ESTIMATION_REAL"), testing::Not(testing::Contains("222")));
 }
 
 TEST_F(RunFiles, OfUnstructuredProjectsStayAsTheyAre) {
-  const Definitions definitions;
   step->name = "LUMBRAKE";
   step->executable = "lumbrakesp";
   RunFileOptions options;
@@ -102,9 +101,10 @@ TEST_F(RunFiles, OfUnstructuredProjectsStayAsTheyAre) {
 }
 
 TEST_F(RunFiles, ThatAreNoneAreKeptBeside) {
-  const Definitions definitions;
+  dir.write("a.run.unreadable", "other");
   launch("not a run file\n");
-  EXPECT_EQ(dir.read("a.run.unreadable"), "not a run file\n");
+  EXPECT_EQ(dir.read("a.run.unreadable"), "other");
+  EXPECT_EQ(dir.read("a.run.unreadable2"), "not a run file\n");
   EXPECT_THAT(dir.read("a.run"), testing::StartsWith("TALVEN_PROJECT_FILE   VERSION 1210\n"));
   EXPECT_THAT(recordedScript().lines,
               testing::Contains("task_manager_receive_message CANNOT_OPEN_RUN_FILE"));
@@ -128,10 +128,8 @@ class WaitingConsole : public std::stringbuf {
 };
 
 TEST_F(RunFiles, WaitForTheDefinitionsOfTheSolver) {
-  const Definitions definitions;
   const std::string path = definitions.directory() + "/velstra.def";
-  std::ifstream file(path);
-  const std::string text{std::istreambuf_iterator<char>(file), {}};
+  const std::string text = contentsOf(path);
   std::filesystem::remove(path);
   WaitingConsole waiting(path, text);
   std::ostream stream(&waiting);

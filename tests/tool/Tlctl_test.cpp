@@ -90,9 +90,9 @@ class Tlctl : public ::testing::Test {
                    const std::string& further = {}) const {
     const fs::path tool = directory_ / "tools" / executable;
     if (!fs::exists(tool)) fs::create_symlink(TL_FAKETOOL, tool);
-    std::string arguments = further;
+    std::string arguments;
     for (const auto& command : commands) arguments += argumentText("-do", command);
-    return stepText(name, executable, hostName(), argumentsText(arguments));
+    return stepText(name, executable, hostName(), argumentsText(arguments + further));
   }
 
   std::string writeTask(const std::string& steps) const {
