@@ -174,7 +174,14 @@ TLKeyResult readSolverParameters(R& record, TLKeyContext& context) {
   return TLKeyResult::next;
 }
 
+// Studies are one level deep: a file that goes on and on would use up the stack.
+constexpr int kDeepest = 32;
+
 TLKeyResult readChildComputation(R& record, TLKeyContext& context) {
+  if (record.depth() == kDeepest) {
+    console() << " too many computations within one another\n" << std::flush;
+    return TLKeyResult::failed;
+  }
   auto child = record.makeChild();
   if (child->read(context.source) == 0) return TLKeyResult::failed;
   record.nonDeterministicChildren.push_back(std::move(child));
@@ -472,6 +479,7 @@ Handle<TLSubProject> TLSubProject::makeChild() const {
   child->subProjectFlag = subProjectFlag;
   child->solverMode = solverMode;
   child->usesDefinitions = usesDefinitions;
+  child->depth_ = depth_ + 1;
   return child;
 }
 

@@ -71,6 +71,9 @@ class TLSubProject : public RefCounted {
   /// An empty computation within this one, of its project and settings.
   Handle<TLSubProject> makeChild() const;
 
+  /// How many computations this one stands in; more than 32 are refused in reading.
+  int depth() const { return depth_; }
+
   /// True for a computation of an uncertainty study.
   bool isNonDeterministic() const { return nonDeterministicActive != 0; }
 
@@ -176,4 +179,5 @@ class TLSubProject : public RefCounted {
   void bringConditionsInLine();
 
   TLFile projectFile_;
+  int depth_ = 0;
 };
