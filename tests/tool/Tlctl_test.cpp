@@ -14,10 +14,12 @@
 #include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
+#include <tuple>
 
 #include "integration/Waiting.h"
 #include "platform/TLProcess.h"
 #include "platform/TTempDir.h"
+#include "support/Definitions.h"
 #include "support/TaskText.h"
 
 namespace {
@@ -301,6 +303,27 @@ TEST_F(Tlctl, ChecksAndPlansJobScripts) {
   EXPECT_THAT(plan.text, HasSubstr("  script    #PBS -N compNNN\n"));
   EXPECT_THAT(plan.text, HasSubstr("  script    RUN_FILE=" + runFile + "\n"));
   EXPECT_EQ(contentsOf(directory_ / "duct.pbs"), "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
+}
+
+TEST_F(Tlctl, ShowsDefinitionsAndConvertsWithTheirUnits) {
+  const Definitions definitions;
+  environment_.emplace("VELSTRA_DIR", definitions.directory());
+  const std::vector<std::tuple<std::vector<std::string>, int, std::string>> cases = {
+      {{"show", definitions.directory() + "/velstra.uni"}, 0, "units file\n  length  m, cm,"},
+      {{"show", definitions.directory() + "/velstra.def"}, 0, "    TINF,R,1,1,0    288\n"},
+      {{"show", definitions.directory() + "/velstra_bc.def"}, 0, "    id 28, option 1  INLET"},
+      {{"show", definitions.directory()}, 1, "cannot be opened"},
+      {{"units", "25.4", "mm", "m", "--quantity", "length"}, 0, "0.0254 m\n"},
+      {{"units", "25.4", "1", "0", "--quantity", "length", "--json"}, 0, "\"result\": 0.254,"},
+      {{"units", "1", "mx", "m", "--quantity", "length"}, 1, "\"mx\" is no unit of length; there"},
+      {{"units", "1", "m", "9", "--quantity", "length"}, 1, "\"9\" is no unit of length"},
+      {{"units", "1", "m", "m", "--quantity", "lenth"}, 1, "no quantity \"lenth\"; there are:"},
+  };
+  for (const auto& [words, code, text] : cases) {
+    const Answer answer = run(words);
+    EXPECT_EQ(answer.code, code) << words.back();
+    EXPECT_THAT(answer.text, HasSubstr(text)) << words.back();
+  }
 }
 
 TEST_F(Tlctl, ChecksAndRewritesATaskFile) {
