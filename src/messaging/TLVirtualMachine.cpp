@@ -234,11 +234,14 @@ RWCString localMachineName() {
   return name.substr(0, std::min(name.find('.'), kLongest));
 }
 
-/// Holds the end of the process until the pvmd has taken what was sent: it drops what still stands
-/// in the socket of a process that has ended, so a last message would be lost now and then. It
-/// takes requests in their order, so any answer will do.
-void awaitPassedOn() {
-  pvm_pstat(pvm_mytid());
+bool gToBePassedOn = false;
+int gDaemonSocket = -1;
+
+/// Called at the first message that was sent.
+bool awaitAtTheEnd() {
+  int* descriptors = nullptr;
+  if (pvm_getfds(&descriptors) > 0) gDaemonSocket = descriptors[0];
+  return std::atexit(TL_virtual_machine_await_sent) == 0;
 }
 
 }  // namespace
@@ -372,8 +375,21 @@ int TL_virtual_machine_pack_string(const RWCString& text) {
 }
 
 int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag) {
-  [[maybe_unused]] static const bool toTheEnd = std::atexit(awaitPassedOn) == 0;
-  return truth(pvm_send(tid, tag));
+  const int sent = truth(pvm_send(tid, tag));
+  if (sent != 0) {
+    [[maybe_unused]] static const bool toTheEnd = awaitAtTheEnd();
+    gToBePassedOn = true;
+  }
+  return sent;
+}
+
+// The pvmd drops what still stands in the socket of a process that has ended. It takes requests in
+// their order, so any answer will do. One that has gone isn't asked: the library would complain on
+// the user's screen.
+void TL_virtual_machine_await_sent() {
+  if (!std::exchange(gToBePassedOn, false)) return;
+  pollfd daemon = {gDaemonSocket, POLLRDHUP, 0};
+  if (gDaemonSocket >= 0 && poll(&daemon, 1, 0) == 0) pvm_pstat(pvm_mytid());
 }
 
 std::int32_t TL_virtual_machine_receive(std::int32_t tid, std::int32_t tag) {

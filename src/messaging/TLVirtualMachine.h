@@ -125,6 +125,9 @@ int TL_virtual_machine_pack_double(const double* values, std::int32_t count);
 int TL_virtual_machine_pack_string(const RWCString& text);
 /// Sends what was packed; that nobody receives it isn't noticed.
 int TL_virtual_machine_send(std::int32_t tid, std::int32_t tag);
+/// Waits until the virtual machine has taken what was sent. Happens by itself at the end of the
+/// process; to be called by who ends the virtual machine before that.
+void TL_virtual_machine_await_sent();
 /// @}
 
 /// @name Receiving. A buffer id is above 0; 0 means nothing there, or an error.

@@ -75,5 +75,7 @@ bool TLDaemonRunner::spawnDaemon() {
 
 void TLDaemonRunner::stop() {
   display_.stop();
-  if (TLDaemonFinder(environment_.userDirectory()).live().empty()) machine_.stop();
+  if (!TLDaemonFinder(environment_.userDirectory()).live().empty()) return;
+  TL_virtual_machine_await_sent();
+  machine_.stop();
 }

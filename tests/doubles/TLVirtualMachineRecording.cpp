@@ -178,6 +178,8 @@ std::int32_t TL_virtual_machine_receive_nowait(std::int32_t tid, std::int32_t ta
   return receive(tid, tag);
 }
 
+void TL_virtual_machine_await_sent() {}
+
 bool TL_virtual_machine_lost() {
   return vm().lost;
 }
