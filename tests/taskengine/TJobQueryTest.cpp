@@ -1,6 +1,7 @@
 #include "../platform/TTempDir.h"
 #include "TEngineTest.h"
 #include "platform/TLHostForm.h"
+#include "support/RecordingTool.h"
 #include "taskengine/TLJobQuery.h"
 
 namespace {
@@ -86,15 +87,13 @@ class JobQueryTest : public TEngineTest {
 };
 
 TEST_F(JobQueryTest, AsksTheQueueAndKeepsNoFile) {
-  dir_.write("qstat",
-             "#!/bin/sh\necho qstat \"$@\" >> " + dir_.file("asked") + "\ncat " +
-                 dir_.file("answer") + "\nls " + dir_.file("out") + " > " + dir_.file("names") +
-                 "\n",
-             true);
-  dir_.write("bjobs",
-             "#!/bin/sh\necho bjobs \"$@\" >> " + dir_.file("asked") + "\ncat " +
-                 dir_.file("answer") + "\n",
-             true);
+  for (const char* name : {"qstat", "bjobs"}) {
+    dir_.write(
+        name,
+        recordingTool(dir_.file("asked"), "cat " + dir_.file("answer") + "\nls " +
+                                              dir_.file("out") + " > " + dir_.file("names") + "\n"),
+        true);
+  }
   dir_.write("out/kept", "");
   TLSubTask& step = addRunning("LUMBRAKE", "lumbrakesp", {42});
   step.hostName = hostForm().hostName();
@@ -102,9 +101,8 @@ TEST_F(JobQueryTest, AsksTheQueueAndKeepsNoFile) {
   dir_.write("answer", "job_number: 42\n");
   EXPECT_TRUE(step.isRunning());
   EXPECT_NE(dir_.read("names").find("tmpout_SGE_qstat42"), std::string::npos);
-  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_.file("out")),
-                          std::filesystem::directory_iterator()),
-            1);
+  EXPECT_TRUE(dir_.has("out/kept") && std::filesystem::remove(dir_.file("out/kept")));
+  EXPECT_TRUE(std::filesystem::is_empty(dir_.file("out")));
   step.loadBalancing.queuingSystemActivated = 2;
   dir_.write("answer", "nothing on it");
   EXPECT_TRUE(step.isRunning()) << "no news is no end";
@@ -114,12 +112,26 @@ TEST_F(JobQueryTest, AsksTheQueueAndKeepsNoFile) {
   step.loadBalancing.queuingSystemActivated = 3;
   dir_.write("answer", "JOBID USER STAT\n42 me RUN\n");
   EXPECT_TRUE(step.isRunning()) << "a job is asked for whatever was known of it";
-  EXPECT_EQ(dir_.read("asked"), "qstat -j 42\nqstat -J 42\nqstat -J 42\nbjobs 42\n");
+  EXPECT_EQ(dir_.read("asked"), "qstat|-j|42\nqstat|-J|42\nqstat|-J|42\nbjobs|42\n");
   step.children = {0};
   EXPECT_FALSE(step.isRunning());
   step.loadBalancing.queuingSystemActivated = 4;
   step.children = {42};
   EXPECT_TRUE(step.isRunning());
+}
+
+TEST_F(JobQueryTest, AQueuedSolverJustEnds) {
+  const char* const words[] = {"", "SGE", "PBS", "LSF"};
+  for (std::int32_t kind = 1; kind <= 3; ++kind) {
+    TLSubTask& step = addRunning("A", "velstra", {7});
+    step.loadBalancing.queuingSystemActivated = kind;
+    step.status = TLSubTask::FinishedKo;
+    task->checkEnded(step, 4);
+    EXPECT_EQ(step.status, TLSubTask::FinishedOk);
+    EXPECT_EQ(said(), Lines());
+    EXPECT_EQ(sent(), Lines{std::string("500:5 '") + words[kind] + " process terminated' 4"});
+    EXPECT_EQ(launched(), Lines{"retrieveResults A!"});
+  }
 }
 
 TEST_F(JobQueryTest, AStopFileStandsBesideTheRunFile) {

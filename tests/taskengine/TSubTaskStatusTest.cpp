@@ -58,18 +58,6 @@ TEST_F(SubTaskStatusTest, BehindALauncherTheSecondChildIsWatched) {
   }
 }
 
-TEST_F(SubTaskStatusTest, StartChoosesTheRoutine) {
-  TLSubTask& off = add("A");
-  off.enabled = 0;
-  EXPECT_EQ(off.start(), 0);
-  EXPECT_EQ(off.status, S::FinishedOk);
-  EXPECT_EQ(launched(), Lines{});
-  for (const char* name : {"QUOREL_CFD", "CHECKSTATUS", "PROBES2QVK", "probes2qvk"})
-    add(name).start();
-  EXPECT_EQ(launched(), (Lines{"startMarineStep QUOREL_CFD", "startMarineStep CHECKSTATUS",
-                               "startProbesTool PROBES2QVK", "startStep probes2qvk"}));
-}
-
 TEST_F(SubTaskStatusTest, ArgumentsMustBeDefined) {
   TLSubTask& step = add("A");
   EXPECT_TRUE(step.argumentsDefined());

@@ -91,6 +91,7 @@ class TalkTest : public TEngineTest, public testing::WithParamInterface<Talk> {
         {"ended", [&] { step.finishMessage.tag = number(); }},
         {"error", [&] { step.errorLines.addString(value); }},
         {"run-file", [&] { argument(step, "none", value); }},
+        {"semaphore", [&] { step.processIds.push_back(number()); }},
         {"host", [&] { step.hostName = value; }},
         {"tmp", [&] { step.remoteTmpDir = value; }},
         {"fails", [&] { launcher.results[step.name] = number(); }},

@@ -135,6 +135,23 @@ TEST_F(MarineWalkTest, TheTaskEndsByItself) {
   EXPECT_EQ(exits_, 1) << "only a marine task does";
 }
 
+TEST_F(TaskWalkTest, StartOnlyMarksAndACycleAsksForEachStepOnce) {
+  constexpr std::int32_t kSteps = 100;
+  add("first").status = S::Crashed;
+  add("second").index = 9;
+  EXPECT_EQ(task->start(), 1);
+  EXPECT_EQ(task->status, S::Running);
+  EXPECT_EQ(statuses(), (Statuses{0, 0}));
+  EXPECT_EQ(task->subTask(1)->index, 1);
+  EXPECT_EQ(launched(), Lines());
+  task->clearSubTasks();
+  for (std::int32_t i = 0; i < kSteps; ++i) addRunning("A", "tool", {1000 + i});
+  add("last");
+  isGone(1000 + kSteps - 1);
+  task->superviseOnce();
+  EXPECT_LE(vm.statusAsked.size(), static_cast<std::size_t>(kSteps) + 1);
+}
+
 TEST_F(TaskWalkTest, StoppingAsksFirst) {
   addRunning("A", "velstra", {7, 8});
   TLSubTask& queued = addRunning("B", "tool", {9});
