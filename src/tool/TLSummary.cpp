@@ -22,21 +22,14 @@ void print(const TLSummary& summary, int depth, std::string& out) {
   for (const auto& section : summary.sections) print(section, depth + 1, out);
 }
 
-// JSON holds UTF-8 only; what a file has in another encoding becomes a question mark.
-std::string printable(std::string_view text) {
-  std::string clean(text);
-  std::replace_if(
-      clean.begin(), clean.end(), [](char c) { return static_cast<unsigned char>(c) >= 128; }, '?');
-  return clean;
-}
-
 std::string_view trimmed(std::string_view text) {
   const auto first = text.find_first_not_of(" \t\r");
   if (first == std::string_view::npos) return {};
   return text.substr(first, text.find_last_not_of(" \t\r") - first + 1);
 }
 
-/// Builds the tree of blocks with a stack of its own: files may nest as deep as they like.
+/// Builds the tree of blocks with a stack of its own. Writing a tree out takes the program's, so
+/// that blocks nested beyond all use stay lines of the deepest one.
 class BlockTree {
  public:
   nlohmann::json read(std::string_view text) {
@@ -55,18 +48,21 @@ class BlockTree {
 
  private:
   static nlohmann::json makeBlock(std::string_view name) {
-    return {{"name", printable(name)},
-            {"lines", nlohmann::json::array()},
-            {"blocks", nlohmann::json::array()}};
+    return {
+        {"name", name}, {"lines", nlohmann::json::array()}, {"blocks", nlohmann::json::array()}};
   }
 
   void take(std::string_view line) {
     TLTokens tokens(line);
     const auto key = tokens.next();
-    if (equalIgnoringCase(key, "tl_begin")) {
+    const bool begins = equalIgnoringCase(key, "tl_begin");
+    const bool ends = equalIgnoringCase(key, "tl_end");
+    const bool tooDeep = begins ? open_.size() == kDeepest : ends && beyond_ > 0;
+    if (tooDeep) beyond_ += begins ? 1 : -1;
+    if (begins && !tooDeep) {
       open_.push_back(makeBlock(tokens.next()));
       awaitsValue_ = false;
-    } else if (equalIgnoringCase(key, "tl_end")) {
+    } else if (ends && !tooDeep) {
       if (open_.size() > 1) close();
     } else {
       addLine(key, trimmed(tokens.rest()), line);
@@ -79,11 +75,11 @@ class BlockTree {
     const bool inParameters =
         equalIgnoringCase(block["name"].get_ref<const std::string&>(), "solver_parameters");
     if (inParameters && awaitsValue_) {
-      block["lines"].back()[1] = printable(trimmed(line));
+      block["lines"].back()[1] = trimmed(line);
       awaitsValue_ = false;
       return;
     }
-    block["lines"].push_back({printable(key), printable(value)});
+    block["lines"].push_back({key, value});
     awaitsValue_ = inParameters && !key.starts_with("VELSTRA,");
   }
 
@@ -94,7 +90,9 @@ class BlockTree {
     awaitsValue_ = false;
   }
 
+  static constexpr std::size_t kDeepest = 256;
   std::vector<nlohmann::json> open_;
+  int beyond_ = 0;  // blocks open within the deepest one
   bool awaitsValue_ = false;
 };
 
@@ -107,11 +105,10 @@ std::string TLSummary::text() const {
 }
 
 nlohmann::json TLSummary::json() const {
-  nlohmann::json result{{"title", printable(title)},
-                        {"values", nlohmann::json::array()},
-                        {"sections", nlohmann::json::array()}};
+  nlohmann::json result{
+      {"title", title}, {"values", nlohmann::json::array()}, {"sections", nlohmann::json::array()}};
   for (const auto& [label, value] : values) {
-    result["values"].push_back({printable(label), printable(value)});
+    result["values"].push_back({label, value});
   }
   for (const auto& section : sections) result["sections"].push_back(section.json());
   return result;

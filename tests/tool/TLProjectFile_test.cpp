@@ -93,11 +93,16 @@ TEST(FileKind, IsToldByTheContent) {
 TEST(Summary, AllBlocksOfATextBecomeJson) {
   const auto json = blocksAsJson(
       "KEY  a  b \r\nTL_BEGIN x\n# comment\nTL_BEGIN solver_parameters\nVELSTRA,L,1,0, 1\n"
-      "VICOEF,R,1,2,0\n 1 2\nTL_END y\nk \xff\n");
-  EXPECT_EQ(json.dump(),
+      "VICOEF,R,1,2,0\n 1 2\nTL_END y\nk \xff \xc3\xb6\n");
+  EXPECT_EQ(json.dump(-1, ' ', false, nlohmann::json::error_handler_t::replace),
             R"({"blocks":[{"blocks":[{"blocks":[],"lines":[["VELSTRA,L,1,0,","1"],)"
-            R"(["VICOEF,R,1,2,0","1 2"]],"name":"solver_parameters"}],"lines":[["k","?"]],)"
+            R"(["VICOEF,R,1,2,0","1 2"]],"name":"solver_parameters"}],"lines":[["k",")"
+            "\xef\xbf\xbd \xc3\xb6"
+            R"("]],)"
             R"("name":"x"}],"lines":[["KEY","a  b"]],"name":""})");
+  std::string deep;
+  for (int i = 0; i < 100000; ++i) deep += "TL_BEGIN x\n";
+  EXPECT_GT(blocksAsJson(deep + "TL_END x\nKEY 1\n").dump().size(), 100000U);
 }
 
 TEST(Summary, DefinitionFilesAreRead) {
