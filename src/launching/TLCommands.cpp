@@ -34,6 +34,10 @@ RWCString withoutDomain(const RWCString& host) {
   return host.substr(0, host.find('.'));
 }
 
+bool isThisHost(const RWCString& host) {
+  return withoutDomain(host) == withoutDomain(hostForm().hostName().substr(0, kLongestHostName));
+}
+
 /// A program of the installation as the first word of a command.
 RWCString suiteProgram(const char* name) {
   TLHostForm& form = hostForm();
@@ -176,15 +180,20 @@ int runRedirected(const RWCString& command, const RWCString& outputFile) {
 
 int remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
                const RWCString& outputFile) {
+  if (isThisHost(host)) return runRedirected(command, outputFile);
   TLHostForm& form = hostForm();
-  const RWCString here = form.hostName().substr(0, kLongestHostName);
-  if (withoutDomain(host) == withoutDomain(here)) {
-    return runRedirected(command, outputFile);
-  }
   RWCString line = suiteProgram("tlrsh") + " ";
   if (!login.empty()) line += "-l " + form.bare(login) + " ";
   line += form.bare(host) + " " + form.quoted(command);
   return runRedirected(line, outputFile);
+}
+
+bool readsWin32Words(const RWCString& host, bool win32) {
+  return win32 && !(isPosix() && isThisHost(host));
+}
+
+RWCString wordForRemoteExec(const RWCString& host, const RWCString& path, bool win32) {
+  return wordForHost(path, readsWin32Words(host, win32));
 }
 
 int remoteCopy(const RWCString& srcHost, const RWCString& srcPath, const RWCString& dstHost,

@@ -25,6 +25,11 @@ int runRedirected(const RWCString& command, const RWCString& outputFile);
 /// is what the remote shell of the suite passes on.
 int remoteExec(const RWCString& host, const RWCString& command, const RWCString& login,
                const RWCString& outputFile);
+/// True when commands on `host`, of the kind that the virtual machine says, are read as on a
+/// Windows host. A host that nobody knows counts as one, and may be this one after all.
+bool readsWin32Words(const RWCString& host, bool win32);
+/// A path as one word of a command for remoteExec.
+RWCString wordForRemoteExec(const RWCString& host, const RWCString& path, bool win32);
 
 /// Copies a file, or what a last "*" stands for, between this host and another. The host of the
 /// local side is empty, the other one's is "host" or "host.login". `system` is "WIN32" or "UNIX",

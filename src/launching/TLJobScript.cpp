@@ -11,6 +11,7 @@
 #include "launching/TLComposition.h"
 #include "launching/TLQueueCommand.h"
 #include "launching/TLQueuingKind.h"
+#include "messaging/TLVirtualMachine.h"
 #include "parameters/TLFile.h"
 #include "platform/TLConsole.h"
 #include "platform/TLHostForm.h"
@@ -38,12 +39,13 @@ bool holds(std::string_view text, std::string_view part) {
 }
 
 /// A value in the script's own language: single quotes around what a shell would act on. Windows
-/// paths stand as they are.
-RWCString scriptValue(const RWCString& value) {
+/// paths stand as they are for a host that has such.
+RWCString scriptValue(const RWCString& value, bool win32Host) {
   const bool win32 = hostForm().kind() == TLHostKind::win32;
-  const auto plain = [win32](char c) {
+  const auto plain = [win32, win32Host](char c) {
     const bool letter = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    return letter || holds("._/-+,:=@%", {&c, 1}) || (win32 && (c == '\\' || c == ' '));
+    return letter || holds("._/-+,:=@%", {&c, 1}) || (win32 && c == ' ') ||
+           ((win32 || win32Host) && c == '\\');
   };
   if (std::all_of(value.begin(), value.end(), plain)) return value;
   RWCString quoted = "'";
@@ -69,14 +71,14 @@ RWCString sgeOutput(const RWCString& file) {
 }
 
 RWCString settingsBlock(const TLJobScriptValues& values) {
-  const RWCString steering = TLFile(values.runFile).withoutSuffix() + ".steering";
+  const RWCString steering = TLFile::onOtherHost(values.runFile).withoutSuffix() + ".steering";
   RWCString text(kFrame);
   text.append(kStart).append(kFrame).append("\n");
-  text += "TL_SUBMISSION_HOST=" + scriptValue(values.hostName) + "\n";
-  text += "RUN_FILE=" + scriptValue(values.runFile) + "\n";
+  text += "TL_SUBMISSION_HOST=" + scriptValue(values.hostName, values.win32) + "\n";
+  text += "RUN_FILE=" + scriptValue(values.runFile, values.win32) + "\n";
   text += "STEERING1=-steering\n";
-  text += "STEERING2=" + scriptValue(steering) + "\n";
-  text += "PREC=" + scriptValue(values.precision) + "\n\n";
+  text += "STEERING2=" + scriptValue(steering, values.win32) + "\n";
+  text += "PREC=" + scriptValue(values.precision, values.win32) + "\n\n";
   text.append(kFrame).append(kEnd).append(kFrame).append("\n");
   return text;
 }
@@ -247,7 +249,8 @@ bool createQueuingSystemScript(const TLLoadBalancing& record, RWCString& path,
                                  record.queuingSystemQueue,
                                  record.nbQueuingSystemProcessor,
                                  executable,
-                                 jobNumberText(drawnNumber())};
+                                 jobNumberText(drawnNumber()),
+                                 readsWin32Words(record.hostName, hostIsWin32(record.hostName))};
   const auto text = hostForm().readFile(scriptFile);
   if (!text) abortWithoutTemplate(scriptFile);
   const RWCString fault = jobScriptFault(values);

@@ -24,6 +24,7 @@ struct TLJobScriptValues {
   std::int32_t processors = 1;  ///< To ask for, at least 1; see jobSlots().
   RWCString executable;         ///< decides on the slots
   RWCString number;             ///< behind the "comp" of the job's name
+  bool win32 = false;           ///< Kind of the host; Windows paths stand as they are there.
 };
 
 /// The slots to ask for: the structured solver's launcher takes one of its own in a parallel run.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "launching/TLCarryList.h"
+#include "launching/TLCommands.h"
 #include "launching/TLComposition.h"
 #include "launching/TLJobScript.h"
 #include "launching/TLLaunchLines.h"
@@ -177,7 +178,8 @@ class Planner {
   void planJob() {
     const std::int32_t kind = draft_.loadBalancing.queuingSystemActivated;
     const RWCString runFile = firstValue(draft_.spawnArguments);
-    plan_.submission = submitCommand(kind, jobScriptPath(kind, runFile), draft_.win32);
+    plan_.submission =
+        submitCommand(draft_.hostName, kind, jobScriptPath(kind, runFile), draft_.win32);
     if (plan_.submission.empty()) {
       plan_.notes.push_back("no queuing system has the number " + std::to_string(kind) +
                             ": the step would fail to start");
@@ -197,7 +199,8 @@ class Planner {
                                    draft_.loadBalancing.queuingSystemQueue,
                                    draft_.loadBalancing.nbQueuingSystemProcessor,
                                    draft_.executable,
-                                   "NNN"};
+                                   "NNN",
+                                   readsWin32Words(draft_.hostName, draft_.win32)};
     const RWCString fault = jobScriptFault(values);
     if (!fault.empty()) {
       plan_.notes.push_back(fault + ": the step would fail to start");

@@ -6,7 +6,6 @@
 #include "launching/TLJobListing.h"
 #include "launching/TLJobScript.h"
 #include "launching/TLLaunchLines.h"
-#include "launching/TLPathText.h"
 #include "launching/TLQueueCommand.h"
 #include "launching/TLQueuingKind.h"
 #include "launching/TLTransfer.h"
@@ -40,7 +39,8 @@ class Submission {
     step_.logFile = withRunReplaced(firstValue(step_.spawnArguments), ".std");
     if (isCarried() && !carry()) return TLJobQueue::kCopyFailed;
     const RWCString path = jobScriptPath(number(), firstValue(step_.spawnArguments));
-    remoteExec(step_.hostName, submitCommand(number(), path, step_.isWin32Host != 0),
+    remoteExec(step_.hostName,
+               submitCommand(step_.hostName, number(), path, step_.isWin32Host != 0),
                step_.remoteLogin, {});
     job = findJob();
     return 0;
@@ -112,11 +112,11 @@ RWCString firstValue(const TLProcessArguments& arguments) {
   return arguments.count() > 0 ? arguments.at(0)->value() : RWCString();
 }
 
-RWCString submitCommand(std::int32_t kind, const RWCString& path, bool win32) {
+RWCString submitCommand(const RWCString& host, std::int32_t kind, const RWCString& path,
+                        bool win32) {
   const TLQueuingKind* system = queuingKind(kind);
   if (system == nullptr) return {};
-  const RWCString word = win32 ? RWCString(hostForm().bare(path)) : wordForHost(path, false);
-  return RWCString(system->submit) + word;
+  return RWCString(system->submit) + wordForRemoteExec(host, path, win32);
 }
 
 int TLQueuingSystem::submit(TLSubTask& step, const RWCString& precision, std::int32_t& job) {

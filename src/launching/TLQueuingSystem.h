@@ -18,4 +18,5 @@ RWCString firstValue(const TLProcessArguments& arguments);
 RWCString jobPrecision(const TLLaunchDraft& draft);
 /// The command line that submits the script at `path` on a host of the given kind; empty for an
 /// unknown queuing system.
-RWCString submitCommand(std::int32_t kind, const RWCString& path, bool win32);
+RWCString submitCommand(const RWCString& host, std::int32_t kind, const RWCString& path,
+                        bool win32);

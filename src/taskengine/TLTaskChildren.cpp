@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "launching/TLCommands.h"
-#include "launching/TLPathText.h"
 #include "launching/TLProgramNames.h"
 #include "messaging/TLVirtualMachine.h"
 #include "platform/TLConsole.h"
@@ -197,8 +196,6 @@ void TLTaskChildren::touchStopFile(TLSubTask& step) {
   if (const auto found = file.find(runSuffix); found != RWCString::npos) {
     file.replace(found, runSuffix.size(), ".stop");
   }
-  // A host that nobody knows counts as a Windows one, and may be this one.
-  const RWCString word =
-      step.isWin32Host != 0 ? RWCString(hostForm().bare(file)) : wordForHost(file, false);
+  const RWCString word = wordForRemoteExec(step.hostName, file, step.isWin32Host != 0);
   remoteExec(step.hostName, "touch " + word, step.remoteLogin, "");
 }

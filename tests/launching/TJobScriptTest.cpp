@@ -59,6 +59,9 @@ TEST(JobScript, TakesTheLinesOfEachSystemAndTheSettings) {
     EXPECT_EQ(jobNameIn(filled, kind % 3 + 1), "");
     EXPECT_TRUE(isFilledJobScript(filled));
   }
+  auto former = exchangeHostForm(makeWin32Form());
+  EXPECT_EQ(filledJobScript("# COMPUTATION SETTINGS", values(1)), kSettings) << "a UNIX host's";
+  exchangeHostForm(std::move(former));
   EXPECT_EQ(filledJobScript("#!/bin/sh\nexit\n", values(1)), "#!/bin/sh\nexit\n");
   EXPECT_EQ(filledJobScript("", values(1)), "");
   EXPECT_EQ(filledJobScript("# SETTINGS COMPUTATION", values(1)), kSettings);

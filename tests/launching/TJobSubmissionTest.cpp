@@ -206,6 +206,13 @@ TEST_F(Jobs, FilesOfTheCarriedStepGoAlong) {
                          "tlrsh|-l|me|far|qsub /far/.tm_7/duct.sge\n"
                          "tlrsh|-l|me|far|qstat -g d \n");
   EXPECT_THAT(dir.read("w/duct.sge"), HasSubstr("RUN_FILE=/far/.tm_7/duct.run\n"));
+  // A Windows host, as one that nobody knows is.
+  step->isWin32Host = 1;
+  step->spawnArguments.at(0)->setValue("C:\\tmp\\tm_7duct.run");
+  useKind(1);
+  submit(job);
+  EXPECT_THAT(asked(), HasSubstr("|far|qsub C:\\tmp\\tm_7duct.sge\n"));
+  EXPECT_THAT(dir.read("w/duct.sge"), HasSubstr("RUN_FILE=C:\\tmp\\tm_7duct.run\n"));
 }
 
 TEST_F(Jobs, LinksInThePlaceOfOutputFilesAreRefused) {
