@@ -86,6 +86,10 @@ Engines& engines() {
 
 class QueueEngines : public EngineDaemon, public testing::WithParamInterface<Engine> {
  protected:
+  void SetUp() override {
+    EngineDaemon::SetUp();
+    if (!engines().have(engine())) GTEST_SKIP() << engine().name << " could not be had";
+  }
   const Engine& engine() const { return GetParam(); }
 
   TestDaemonOptions options() const {
@@ -143,7 +147,6 @@ class QueueEngines : public EngineDaemon, public testing::WithParamInterface<Eng
 };
 
 TEST_P(QueueEngines, AJobRunsAndTheNextStepWaitsForIt) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(TestDaemon::task(job("a", "VELSTRA", "velstraTurbo", 2) +
                                      step("b", "NEXT", "tool", {"await 11 60"})),
                     options());
@@ -162,7 +165,6 @@ TEST_P(QueueEngines, AJobRunsAndTheNextStepWaitsForIt) {
 }
 
 TEST_P(QueueEngines, WaitingAndRunningJobsAreDeleted) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(
       TestDaemon::task(job("a", "TOOL", "tool", 3) + job("b", "LUMBRAKE", "lumbrakesp", 2)),
       options());
@@ -180,7 +182,6 @@ TEST_P(QueueEngines, WaitingAndRunningJobsAreDeleted) {
 }
 
 TEST_P(QueueEngines, AStopFileSuspendsTheJobOfAnUnstructuredSolver) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(TestDaemon::task(job("a", "LUMBRAKE", "lumbrakesp", 2)), options());
   ASSERT_TRUE(waitFile("a.run.began"));
   PvmPeer::send(daemon.tid(), 11, PvmBody().integer(0));
@@ -190,7 +191,6 @@ TEST_P(QueueEngines, AStopFileSuspendsTheJobOfAnUnstructuredSolver) {
 }
 
 TEST_P(QueueEngines, AMasterThatIsDownEndsNoJob) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(TestDaemon::task(job("a", "TOOL", "tool", 1)), options());
   ASSERT_TRUE(waitFile("a.run.began"));
   EXPECT_TRUE(waitWord(daemon, 0, engine().running));
@@ -207,7 +207,6 @@ TEST_P(QueueEngines, AMasterThatIsDownEndsNoJob) {
 }
 
 TEST_P(QueueEngines, ARefusedJobIsTold) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(TestDaemon::task(job("a", "TOOL", "tool", 1, "nosuch")), options());
   EXPECT_TRUE(daemon.waitStatuses({1}));
   EXPECT_TRUE(waitLog(std::string(engine().name) + " lists no job \"comp"));
@@ -222,7 +221,6 @@ INSTANTIATE_TEST_SUITE_P(Real, QueueEngines, testing::ValuesIn(kEngines),
 class GridEngine : public QueueEngines {};
 
 TEST_P(GridEngine, AJobThatCannotStartShowsEqw) {
-  if (!engines().have(engine())) return;
   TestDaemon daemon(
       TestDaemon::task(job("a", "TOOL", "tool", 1, "mpi", "#$ -wd /nonexistent/place\n")),
       options());

@@ -39,6 +39,28 @@ class RealVirtualMachine : public testing::Test {
   std::int32_t self = 0;
 };
 
+/// The file that takes what tasks print.
+class Catchout {
+ public:
+  Catchout() { TL_virtual_machine_catchout(file_); }
+  ~Catchout() {
+    TL_virtual_machine_catchout(nullptr);
+    std::fclose(file_);
+  }
+  /// What has come so far; lets the library read before.
+  std::string text() const {
+    TL_virtual_machine_receive_nowait(-1, 999999);
+    std::fflush(file_);
+    std::string text(10000, '\0');
+    const auto size = pread(fileno(file_), text.data(), text.size(), 0);
+    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
+    return text;
+  }
+
+ private:
+  std::FILE* file_ = std::tmpfile();
+};
+
 TEST_F(RealVirtualMachine, KnowsItself) {
   EXPECT_EQ(TL_virtual_machine_parent(), 0);
   EXPECT_EQ(ownHostName(), machine->hostName());
@@ -56,8 +78,7 @@ TEST_F(RealVirtualMachine, KnowsItself) {
 }
 
 TEST_F(RealVirtualMachine, SpawnsWithArgumentsAndTellsTheScript) {
-  std::FILE* output = std::tmpfile();
-  TL_virtual_machine_catchout(output);
+  const Catchout output;
   machine->addProgram("say", "/bin/echo");
   TLProcessArguments arguments;
   arguments.append("-flag", "none");
@@ -69,20 +90,12 @@ TEST_F(RealVirtualMachine, SpawnsWithArgumentsAndTellsTheScript) {
   EXPECT_EQ(TL_virtual_machine_last_spawn(), "ok");
   EXPECT_THAT(recordedScript().lines, ElementsAre("task_manager_receive_message start_status_ok"));
   EXPECT_TRUE(waitUntil([&] { return TL_virtual_machine_status(task) == kVirtualMachineNoTask; }));
-  char text[200] = {};
-  EXPECT_TRUE(waitUntil([&] {
-    TL_virtual_machine_receive_nowait(-1, 999999);  // lets the library read what came in
-    std::fflush(output);
-    return pread(fileno(output), text, sizeof text - 1, 0) > 0;
-  }));
-  EXPECT_THAT(text, HasSubstr("-flag two words"));
-  TL_virtual_machine_catchout(nullptr);
-  std::fclose(output);
+  EXPECT_TRUE(
+      waitUntil([&] { return output.text().find("-flag two words") != std::string::npos; }));
 }
 
 TEST_F(RealVirtualMachine, ATaskThatPrintsHoldsNothingUp) {
-  std::FILE* output = std::tmpfile();
-  TL_virtual_machine_catchout(output);
+  const Catchout output;
   machine->addProgram("shell", "/bin/sh");
   TLProcessArguments arguments;
   arguments.append("-c", "i=0; while [ $i -lt 300 ]; do echo $i; sleep 0.001; i=$((i+1)); done");
@@ -91,17 +104,10 @@ TEST_F(RealVirtualMachine, ATaskThatPrintsHoldsNothingUp) {
   int reads = 0;
   EXPECT_TRUE(waitUntil([&] {
     ++reads;
-    TL_virtual_machine_receive_nowait(-1, 999999);
     usleep(50000);
-    std::fflush(output);
-    std::string text(10000, '\0');
-    const auto size = pread(fileno(output), text.data(), text.size(), 0);
-    text.resize(static_cast<std::size_t>(std::max<ssize_t>(size, 0)));
-    return text.find("EOF") != std::string::npos;
+    return output.text().find("EOF") != std::string::npos;
   }));
   EXPECT_LT(reads, 150);
-  TL_virtual_machine_catchout(nullptr);
-  std::fclose(output);
 }
 
 TEST_F(RealVirtualMachine, TellsWhyASpawnFailed) {

@@ -46,6 +46,8 @@ class TLTaskCommandsTest : public ::testing::Test {
 
 TEST_F(TLTaskCommandsTest, checkKillFindsTheRunningSolverOfThisTask) {
   gCurrentTask->name = "wing";
+  EXPECT_EQ(ask("itf_check_kill_task_quorelcfd"), "-1");
+  EXPECT_EQ(ask("itf_check_suspend_task_quorelcfd"), "-1 -1") << "there is no such step";
   addStep("QUOREL_CFD", "quorelcfd", TLSubTask::Running).arguments.append("none", "/a/other.sim");
   TLSubTask& ended = addStep("QUOREL_CFD", "quorelcfd", TLSubTask::FinishedOk);
   ended.arguments.append("none", "/a/wing.sim");
