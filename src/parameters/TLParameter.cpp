@@ -127,7 +127,7 @@ int TLParameter::build(TLTextSource& source) {
   } else if (!value.read(reader, told.value, told.type, told.rows, told.columns)) {
     return 0;
   }
-  for (const auto& line : told.oldValues) {
+  for (const auto line : told.oldValues) {
     if (!oldValues.emplace_back().read(reader, line, told.type, told.rows, told.columns)) return 0;
   }
   return 1;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 #include <vector>
 
 #include "parameters/TLParameterValue.h"
@@ -30,13 +31,13 @@ class TLParameter : public RefCounted {
   friend struct TLParameterKeys;
   int build(TLTextSource& source);
 
-  // What the lines said, until the closing line.
+  // What the lines said, until the closing line. The views are of the source that is read.
   struct Told {
     TLValueType type = TLValueType::integer;
     std::int32_t rows = 1;
     std::int32_t columns = 1;
-    RWCString value;
-    std::vector<RWCString> oldValues;
+    std::string_view value;
+    std::vector<std::string_view> oldValues;
   };
   Told told_;
 };

@@ -35,17 +35,18 @@ void writeElement(TLTextSink& sink, T value) {
   sink << value;
 }
 
-// Words are written bare, but the reader of several texts wants each between quotes.
-RWCString withQuotes(std::string_view line) {
+// Words are written bare, but the reader of several texts wants each between quotes. Empty for a
+// line with fewer than `count` texts.
+RWCString withQuotes(std::string_view line, int count) {
   TLTokens tokens(line);
   RWCString quoted(tokens.next());
   std::string_view rest = tokens.rest();
-  while (true) {
+  for (; count > 0; --count) {
     while (!rest.empty() && isWhite(rest.front())) rest.remove_prefix(1);
-    if (rest.empty()) return quoted;
+    if (rest.empty()) return {};
     if (rest.front() == '\'') {
       const auto end = rest.find('\'', 1);
-      if (end == std::string_view::npos) return quoted.append(" ").append(rest);
+      if (end == std::string_view::npos) return {};
       quoted.append(" ").append(rest.substr(0, end + 1));
       rest.remove_prefix(end + 1);
     } else {
@@ -54,6 +55,7 @@ RWCString withQuotes(std::string_view line) {
       rest.remove_prefix(static_cast<std::size_t>(end));
     }
   }
+  return quoted;
 }
 
 int readElements(TLTokenReader& reader, std::string_view line, int count,
@@ -71,8 +73,8 @@ int readElements(TLTokenReader& reader, std::string_view line, int count,
 int readElements(TLTokenReader& reader, std::string_view line, int count,
                  std::vector<RWCString>& values) {
   values.clear();
-  return count == 1 ? reader.readQuotedStrings(values, count, line)
-                    : reader.readQuotedStrings(values, count, withQuotes(line));
+  const RWCString quoted = count == 1 ? RWCString() : withQuotes(line, count);
+  return reader.readQuotedStrings(values, count, quoted.empty() ? line : quoted);
 }
 
 }  // namespace

@@ -58,6 +58,10 @@ TEST(ProjectFile, TellsWhyItIsRefused) {
       {"TALVEN_PROJECT_FILE VERSION 1210\nTL_BEGIN computation\n"
        "   TL_BEGIN acoustic_data\n    VERSION  \n    X 1\n",
        TLDefinitionNeed::look, ":4:5: fault: version <number>\n      VERSION  \n      ^\n"},
+      {"TALVEN_PROJECT_FILE VERSION 1210\nTL_BEGIN computation\nTL_BEGIN grid_bc\nTL_BEGIN block\n"
+       "TL_BEGIN hexa_parameters\nTL_BEGIN tlparameter\nNUMBER 3\n  VALUE 1 2\nTL_END "
+       "tlparameter\n",
+       TLDefinitionNeed::look, ":8:3: fault: expected: VALUE 3 * <float>\n"},
       {kRun, TLDefinitionNeed::rewrite, "velstra.def"},
       {"something else\n", TLDefinitionNeed::look, "fault"},
   };
