@@ -46,11 +46,15 @@ class NotingMapping : public TLMappingStrategy {
 /// The plan of one step, by the stages of its launch.
 class Planner {
  public:
-  Planner(const TLSubTask& step, bool win32, const TLLaunchSite& site,
+  Planner(const TLSubTask& step, const TLHostKindTest& isWin32, const TLLaunchSite& site,
           const TLRunFileReader& readRunFile)
-      : step_(step), site_(site), readRunFile_(readRunFile), draft_(draftOf(step)) {
-    draft_.win32 = win32;
-    plan_.win32 = win32;
+      : step_(step),
+        isWin32_(isWin32),
+        site_(site),
+        readRunFile_(readRunFile),
+        draft_(draftOf(step)) {
+    draft_.win32 = isWin32_(draft_.hostName);
+    plan_.win32 = draft_.win32;
   }
 
   TLLaunchPlan ordinary() {
@@ -136,6 +140,7 @@ class Planner {
     for (const auto& entry : draft_.spawnArguments.entries()) {
       if (isMarked(*entry)) plan_.carried.push_back(entry->value());
     }
+    draft_.win32 = isWin32_(draft_.hostName);  // as the transfer asks again
     const TLFarSide far(draft_.hostName, draft_.remoteLogin, draft_.win32,
                         TLFarSide::directoryName(step_.remoteTmpDir, draft_.win32, kPlannedNumber));
     take(way == TLCarriage::unstructured ? carriedUnstructured(far, draft_.spawnArguments)
@@ -237,12 +242,14 @@ class Planner {
     plan_.farHost =
         TLFarSide(draft_.hostName, draft_.remoteLogin, draft_.win32, RWCString()).spec();
     plan_.host = host;
+    plan_.win32 = draft_.win32;
     plan_.program = draft_.executable;
     plan_.words = commandWords(draft_.spawnArguments);
     return plan_;
   }
 
   const TLSubTask& step_;
+  const TLHostKindTest& isWin32_;
   const TLLaunchSite& site_;
   const TLRunFileReader& readRunFile_;
   TLLaunchDraft draft_;
@@ -273,14 +280,15 @@ const char* startWayWord(TLStartWay way) {
   return "none";
 }
 
-TLLaunchPlan planLaunch(const TLSubTask& step, bool win32, const TLLaunchSite& site,
-                        const TLRunFileReader& readRunFile, TLMappingStrategy& mapping) {
+TLLaunchPlan planLaunch(const TLSubTask& step, const TLHostKindTest& isWin32,
+                        const TLLaunchSite& site, const TLRunFileReader& readRunFile,
+                        TLMappingStrategy& mapping) {
   if (step.enabled == 0) {
     TLLaunchPlan plan;
     plan.notes.emplace_back("disabled: finished without a process");
     return plan;
   }
-  Planner planner(step, win32, site, readRunFile);
+  Planner planner(step, isWin32, site, readRunFile);
   if (isMarineStep(step.name)) return planner.marine(placeOf(step), mapping);
   if (step.name == "PROBES2QVK") return planner.probes();
   return planner.ordinary();

@@ -59,9 +59,13 @@ const char* startWayWord(TLStartWay way);
 using TLRunFileReader = std::function<TLRunFileFacts(const RWCString& path, bool unstructuredTables,
                                                      std::int32_t& blocks)>;
 
-/// The plan of one step on a host of the kind `win32`.
-TLLaunchPlan planLaunch(const TLSubTask& step, bool win32, const TLLaunchSite& site,
-                        const TLRunFileReader& readRunFile, TLMappingStrategy& mapping);
+/// True for a Windows host. A step may move to another host than its own.
+using TLHostKindTest = std::function<bool(const RWCString& hostName)>;
+
+/// The plan of one step.
+TLLaunchPlan planLaunch(const TLSubTask& step, const TLHostKindTest& isWin32,
+                        const TLLaunchSite& site, const TLRunFileReader& readRunFile,
+                        TLMappingStrategy& mapping);
 
 /// Reads through the launch's own reader of run files.
 TLRunFileFacts readRunFileFacts(const RWCString& path, bool unstructuredTables,

@@ -177,14 +177,14 @@ int planTask(const PlanOptions& options) {
   }
   const TLVirtualMachineStarter machine(environment.userDirectory());
   const HostKinds kinds(machine);
+  const auto isWin32 = [&kinds](const RWCString& host) { return kinds.isWin32(host); };
   TLLaunchSite site = launchSite();
   site.tid = kDaemonTid;
   TLRemPathMapping mapping("remote paths.txt", false);
   Json steps = Json::array();
   const auto& subTasks = file.task().subTasks;
   for (std::size_t i = 0; i < subTasks.size(); ++i) {
-    TLLaunchPlan plan = planLaunch(*subTasks[i], kinds.isWin32(subTasks[i]->hostName), site,
-                                   &readRunFileFacts, mapping);
+    TLLaunchPlan plan = planLaunch(*subTasks[i], isWin32, site, &readRunFileFacts, mapping);
     if (!kinds.known()) plan.notes.emplace_back("no virtual machine: the kind of host is assumed");
     if (options.json) {
       steps.push_back(planJson(*subTasks[i], i, plan));

@@ -66,8 +66,9 @@ TEST_P(LaunchWords, AreThoseOfTheDryRun) {
   TLLaunchSite site = launchSite();
   site.tid = std::to_string(daemon.tid());
   TLRemPathMapping mapping("remote paths.txt", false);
-  const TLLaunchPlan plan =
-      planLaunch(*task->subTasks.at(0), false, site, &readRunFileFacts, mapping);
+  const TLLaunchPlan plan = planLaunch(
+      *task->subTasks.at(0), [](const RWCString&) { return false; }, site, &readRunFileFacts,
+      mapping);
   task->clearSubTasks();
   EXPECT_EQ(plan.program, launched.program);
   EXPECT_EQ(contentsOf(file(std::string("words.") + launched.program)), recorded(plan));

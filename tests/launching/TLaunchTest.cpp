@@ -39,8 +39,8 @@ class Launches : public TLaunchFixture {
     step->executable = launch.executable;
     arguments(launch.arguments);
     launch.change(*step);
-    const TLLaunchPlan plan = planLaunch(*step, hostIsWin32(step->hostName) != 0, launchSite(),
-                                         &readRunFileFacts, gMappingStrategy());
+    const TLLaunchPlan plan =
+        planLaunch(*step, &hostIsWin32, launchSite(), &readRunFileFacts, gMappingStrategy());
     EXPECT_EQ(launching().startStep(*step), 0);
     EXPECT_EQ(started(), launch.expected);
     EXPECT_EQ(plan.program + " on " + plan.host, recordedSpawn());

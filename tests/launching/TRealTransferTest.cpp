@@ -122,17 +122,20 @@ TEST_F(Transfers, AreThoseOfThePlan) {
   fullProject(dir);
   unstructuredProject(dir, dir.file("gone/m.zyv"), dir.file("gone/old.run"));
   std::filesystem::remove_all(dir.file("p/_mesh"));  // a star stands as it is where nothing matches
+  dir.write("suite/bin64/lumbrakedpx86_64.exe", "");
   struct Case {
     const char* name;
     const char* executable;
     std::vector<std::string> values;
     int queue;
     std::size_t actions;
+    const char* host = "far";
   };
   const Case cases[] = {
       {"VELSTRA", "velstraTurbo", {"w/duct.run", "w/duct.steering"}, 0, 28},
       {"VELSTRA", "velstraTurbo", {"w/duct.run"}, 1, 30},
       {"LUMBRAKE", "lumbrakesp", {"p/c/c.run", "p/c/c.p4pg"}, 0, 8},
+      {"LUMBRAKE", "lumbrakesp", {"p/c/c.run"}, 0, 7, "win"},  // moves to its first process
       {"Sculpt3d", "sculpt3d", {"w/duct.run"}, 0, 2},
   };
   for (const auto& test : cases) {
@@ -142,7 +145,9 @@ TEST_F(Transfers, AreThoseOfThePlan) {
     dir.write("w/duct.sge", "#!/bin/sh\n\n# COMPUTATION SETTINGS\n");
     std::vector<std::string> values;
     for (const auto& name : test.values) values.push_back(dir.file(name));
-    makeStep(test.name, "far", values);
+    makeStep(test.name, test.host, values);
+    step->loadBalancing.parallel = step->hostName == "win" ? 1 : 0;
+    step->loadBalancing.processNames = {"far"};
     step->executable = test.executable;
     step->loadBalancing.queuingSystemActivated = test.queue;
     step->loadBalancing.queuingSystemQueue = "mpi";
@@ -151,7 +156,8 @@ TEST_F(Transfers, AreThoseOfThePlan) {
     TLRemPathMapping mapping("remote paths.txt", false);
     std::ostringstream console;
     const TLConsoleRedirect redirect(console);
-    const TLLaunchPlan plan = planLaunch(*step, false, launchSite(), &readRunFileFacts, mapping);
+    const TLLaunchPlan plan =
+        planLaunch(*step, &hostIsWin32, launchSite(), &readRunFileFacts, mapping);
     EXPECT_EQ(plan.actions.size(), test.actions);
     EXPECT_EQ(dir.read("log"), "") << "a plan does nothing";
     EXPECT_EQ(launching().startStep(*step), 0);
@@ -172,6 +178,7 @@ TEST_F(Transfers, AreThoseOfThePlan) {
     std::vector<std::string> words = recordedVirtualMachine().spawns.at(0).words;
     for (auto& word : words) word = std::regex_replace(word, number, "tm_NNN");
     EXPECT_EQ(words, plan.words);
+    EXPECT_EQ(recordedVirtualMachine().spawns.at(0).executable, plan.program);
   }
   setTransfer(nullptr);
 }
