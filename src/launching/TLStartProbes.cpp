@@ -33,10 +33,11 @@ int TLLaunching::startProbesTool(TLSubTask& step) {
   std::int32_t child = 0;
   const int result = localToolStarter().start(step, draft, launchSite(), child);
   if (result != 0) {
-    evalScript(messageLine("NOT_RUNNING"));
+    tellScript(messageLine("NOT_RUNNING"));
     step.status = TLSubTask::FinishedKo;
     return result;
   }
+  evalScript("update");  // behind what the start has told
   step.status = TLSubTask::Running;
   step.addChild(child);
   step.logFile = log;

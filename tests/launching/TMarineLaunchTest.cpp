@@ -179,9 +179,9 @@ TEST_F(TLaunchFixture, ProbesToolStaysBesideTheDaemon) {
   EXPECT_EQ(step->children.size(), 1U);
   EXPECT_THAT(recordedScript().lines,
               ElementsAre("after 3000", "update", "task_manager_receive_message start_status_ok",
-                          "task_manager_receive_message \"Connect to the log\"", "after 1000",
-                          "task_manager_init_tail \"b.log\"", "update", "task_manager_update_tail",
-                          "update"));
+                          "update", "task_manager_receive_message \"Connect to the log\"",
+                          "after 1000", "task_manager_init_tail \"b.log\"", "update",
+                          "task_manager_update_tail", "update"));
   recordedVirtualMachine().spawnAnswers.push_back({-6, -6, "bad host name"});
   EXPECT_EQ(launching().startProbesTool(*step), -6);
   EXPECT_EQ(step->status, TLSubTask::FinishedKo);
