@@ -36,6 +36,14 @@ void passEach(const std::vector<Handle<Entry>>& from, const std::vector<Handle<E
   }
 }
 
+// Between kinds whose numbers go into each other without loss.
+template <class From, class To>
+void passNumbers(const std::vector<Handle<From>>& from, const std::vector<Handle<To>>& to) {
+  for (const auto& receiver : to) {
+    if (const auto giver = named(from, receiver->name)) receiver->value = giver->value;
+  }
+}
+
 }  // namespace
 
 /// The format of the record: one row a key, in the order of test.
@@ -301,6 +309,13 @@ void TLBCParameters::takeValues(const TLBCParameters& other) {
   localDragDirection = other.localDragDirection;
   localMomentDirection = other.localMomentDirection;
   localMomentCenter = other.localMomentCenter;
+  // A definition may have changed an entry's kind; one of the same kind goes first.
+  passNumbers(other.integerEntries, realEntries);
+  passNumbers(other.integerEntries, physicalEntries);
+  passNumbers(other.integerEntries, choiceEntries);
+  passNumbers(other.choiceEntries, integerEntries);
+  passNumbers(other.physicalEntries, realEntries);
+  passNumbers(other.realEntries, physicalEntries);
   passEach(other.physicalEntries, physicalEntries);
   passEach(other.chemicalEntries, chemicalEntries);
   passEach(other.realEntries, realEntries);

@@ -115,6 +115,11 @@ TEST_F(ConditionsBase, BringsAProjectsRecordInLine) {
   EXPECT_EQ(base_.inLine(record)->realEntries[1]->value, 77.0);
   EXPECT_EQ(base_.inLine(record)->typeId, 1003);
 
+  // The definition has both under another kind.
+  readText(*record, "TYPE_ID 3\nTYPE_OPSEL 1\nREAL_ENTRY Pressure 5\nINTEGER_ENTRY Law 7\n");
+  EXPECT_EQ(base_.inLine(record)->physicalEntries.at(0)->value, 5.0);
+  EXPECT_EQ(base_.inLine(record)->choiceEntries.at(0)->value, 7);
+
   readText(*record, text(500));
   EXPECT_EQ(base_.inLine(record), record);
 }
