@@ -57,6 +57,18 @@ class Steering : public EngineDaemon {
                  argumentText("none", file("a.run")) + argumentText("-steering", steeringFile())));
   }
 
+  // A parameter of a message with settings.
+  static void add(TLWireBuffer& set, const char* name, const char* userName, const char* typeName,
+                  int type, std::optional<float> real = {},
+                  std::optional<std::int32_t> integer = {}) {
+    set.counted(name).counted(userName).counted(typeName).integer(1).integer(1).integer(type);
+    set.integer(0).integer(real ? 1 : 0);
+    if (real) set.real32(*real);
+    set.integer(integer ? 1 : 0);
+    if (integer) set.integer(*integer);
+    set.integer(0).integer(0);
+  }
+
   static bool waitReports(const TestDaemon& daemon, int count) {
     return waitUntil([&] { return daemon.upcallCount("task_manager_update_ratio") >= count; });
   }
@@ -154,17 +166,9 @@ TEST_F(Steering, OneChangeWalksAllTheWay) {
     PvmBody body;
     body.text(steeringFile());
     TLWireBuffer& set = body.sub(9).counted(steeringFile()).integer(3);
-    const auto add = [&](const char* name, int type, bool entries) {
-      set.counted(name).counted("UNDEFINED").counted("watched").integer(1).integer(1).integer(type);
-      set.integer(0).integer(entries ? 1 : 0);
-      if (entries) set.real32(1.5F);
-      set.integer(entries ? 1 : 0);
-      if (entries) set.integer(10);
-      set.integer(0).integer(0);
-    };
-    add("rms", 0, true);
-    add("profile", 1, false);
-    add("field", 2, false);
+    add(set, "rms", "UNDEFINED", "watched", 0, 1.5F, 10);
+    add(set, "profile", "UNDEFINED", "watched", 1);
+    add(set, "field", "UNDEFINED", "watched", 2);
     set.integer(-1).integer(-1);
     EXPECT_TRUE(holds(kept("asked"), body.wire()));
   }
@@ -181,10 +185,9 @@ TEST_F(Steering, OneChangeWalksAllTheWay) {
   PvmBody change;
   change.text(steeringFile());
   TLWireBuffer& set = change.sub(9).counted(steeringFile()).integer(2);
-  set.counted("rms").counted("residual of all").counted("watched").integer(1).integer(1).integer(0);
-  set.integer(0).integer(1).real32(0.75F).integer(0).integer(0).integer(0);
-  set.counted("mass").counted("profile").counted("watched").integer(1).integer(1).integer(1);
-  set.integer(0).integer(0).integer(0).integer(0).integer(0).integer(-1).integer(-1);
+  add(set, "rms", "residual of all", "watched", 0, 0.75F);
+  add(set, "mass", "profile", "watched", 1);
+  set.integer(-1).integer(-1);
   PvmPeer::send(daemon.tid(), 12, change);
   ASSERT_TRUE(waitFile("changed"));
   EXPECT_TRUE(holds(kept("changed"), change.wire())) << "passed on as it came";
@@ -283,22 +286,12 @@ TEST_F(Steering, TheExampleSolverTakesAChangeAndReports) {
   PvmBody change;
   change.text(steeringFile());
   TLWireBuffer& set = change.sub(9).counted(steeringFile()).integer(7);
-  const auto add = [&](const char* name, int type, std::optional<float> real = {},
-                       std::optional<std::int32_t> integer = {}) {
-    set.counted(name).counted("").counted("heat").integer(1).integer(1).integer(type).integer(0);
-    set.integer(real ? 1 : 0);
-    if (real) set.real32(*real);
-    set.integer(integer ? 1 : 0);
-    if (integer) set.integer(*integer);
-    set.integer(0).integer(0);
-  };
-  add("residual", 0);
-  add("heat flow", 0);
-  add("profile", 1);
-  add("temperature", 2);
-  add("output interval", 0, {}, 50);
-  add("relaxation", 0, 1.25F);
-  add("stop at residual", 0, 0.0F);
+  const std::pair<const char*, int> shown[] = {
+      {"residual", 0}, {"heat flow", 0}, {"profile", 1}, {"temperature", 2}};
+  for (const auto& [name, type] : shown) add(set, name, "", "heat", type);
+  add(set, "output interval", "", "heat", 0, {}, 50);
+  add(set, "relaxation", "", "heat", 0, 1.25F);
+  add(set, "stop at residual", "", "heat", 0, 0.0F);
   set.integer(-1).integer(-1);
   PvmPeer::send(daemon.tid(), 12, change);
   ASSERT_TRUE(daemon.waitUpcall(phrase("settings: relaxation 1.25, stop at 0, output every 50")));

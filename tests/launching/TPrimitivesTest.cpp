@@ -161,12 +161,6 @@ TEST_F(RemoteTools, ShellPassesOutputAndExitCodeOn) {
               testing::EndsWith("<-n><-l><alice><--><far><umask 077; echo out; exit 5>"));
 }
 
-TEST_F(RemoteTools, DirectoriesMadeOnAHostArePrivate) {
-  remoteExec("far", "mkdir -p " + dir_.file("made"), "", dir_.file("out"));
-  EXPECT_EQ(std::filesystem::status(dir_.file("made")).permissions(),
-            std::filesystem::perms::owner_all);
-}
-
 TEST_F(RemoteTools, CopyOfAnyNameIsSilentAndStarsExpandFarAway) {
   for (const std::string name :
        {"a b", "p$x", "q'r", "s\"t", "u;v", "w!", "(x)", "y\\z", "\xc3\xa9"}) {
