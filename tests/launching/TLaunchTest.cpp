@@ -57,6 +57,7 @@ class Launches : public TLaunchFixture {
   }
 };
 
+const TPairs kPlain = {{"none", "/p/a.run"}};
 const TPairs kRun = {{"none", "/p/a.run"}, {"-steering", "/p/a.steering"}};
 
 TEST_F(Launches, OfSolversOnUnixHosts) {
@@ -77,9 +78,7 @@ TEST_F(Launches, OfSolversOnUnixHosts) {
       {"parallel", "velstraTurbo_par", kRun, &parallel,
        "velstraTurbo_parallel on here:|-mapall|-machinefile|/p/a.machines|/p/a.run|-steering|"
        "/p/a.steering|-parendId|99|-p4pg|/p/a.p4pg|-display|TL_NO_DISPLAY"},
-      {"parallel, Intel MPI, without steering",
-       "velstraTurbo",
-       {{"none", "/p/a.run"}},
+      {"parallel, Intel MPI, without steering", "velstraTurbo", kPlain,
        [](TLSubTask& step) {
          parallel(step);
          step.loadBalancing.mpiType = 1;
@@ -93,35 +92,27 @@ TEST_F(Launches, OfSolversOnUnixHosts) {
        &parallel,
        "velstraTurbo_parallel on here:|-mapall|-machinefile|unknown|/p/a.run|-p4pg|mine|"
        "-parendId|99|-display|TL_NO_DISPLAY"},
-      {"of another precision keeps its name",
-       "velstra",
-       {{"none", "/p/a.run"}},
+      {"of another precision keeps its name", "velstra", kPlain,
        [](TLSubTask& step) {
          parallel(step);
          runFileDouble().facts.userSolverPrecision = 2;
        },
        "velstra on here:|-mapall|-machinefile|unknown|/p/a.run|-parendId|99|-p4pg|/p/a.p4pg|"
        "-display|TL_NO_DISPLAY"},
-      {"SGI MPI",
-       "velstraTurbo",
-       {{"none", "/p/a.run"}},
+      {"SGI MPI", "velstraTurbo", kPlain,
        [](TLSubTask& step) {
          parallel(step);
          step.loadBalancing.mpiSgi664 = 1;
        },
        "velstraTurbo_parallel_MPISGI664 on here:|-mapall|-machinefile|unknown|/p/a.run|-parendId|"
        "99|-np|3|-display|TL_NO_DISPLAY"},
-      {"unstructured, sequential",
-       "lumbrakesp",
-       {{"none", "/p/a.run"}},
+      {"unstructured, sequential", "lumbrakesp", kPlain,
        [](TLSubTask& step) {
          step.name = "LUMBRAKE";
          runFileDouble().facts = {true, 2, "hybrid", true, 0};
        },
        "lumbrakehp on here:|/p/a.run|-parendId|99|-display|TL_NO_DISPLAY"},
-      {"unstructured, of an unknown precision",
-       "lumbrakedp",
-       {{"none", "/p/a.run"}},
+      {"unstructured, of an unknown precision", "lumbrakedp", kPlain,
        [](TLSubTask& step) {
          step.name = "LUMBRAKE";
          runFileDouble().facts = {true, 2, "triple", true, 0};
@@ -166,6 +157,7 @@ TEST_F(Launches, OfOtherProgramsOnUnixHosts) {
 
 TEST_F(Launches, OfSolversOnWindowsHosts) {
   useWin32({"velstrax86_64.exe", "lumbrakedpx86_64.exe"});
+  const TPairs plain = {{"none", "C:\\p\\a.run"}};
   const TPairs run = {{"none", "C:\\p\\a.run"}, {"-steering", "C:\\p\\a.steering"}};
   const auto onWin = [](const std::function<void(TLSubTask&)>& more) {
     return [more](TLSubTask& step) {
@@ -182,19 +174,13 @@ TEST_F(Launches, OfSolversOnWindowsHosts) {
       {"parallel: the launcher on this host", "velstra", run, onWin(&parallel),
        "mpiexec.exe on here:|-mapall|-machinefile|C:\\p\\a.machines|-n|3|"
        "C:\\suite\\bin64\\velstrax86_64.exe|C:\\p\\a.run|-steering|C:\\p\\a.steering|-parendId|99"},
-      {"parallel, double precision by the run file",
-       "velstra",
-       {{"none", "C:\\p\\a.run"}},
-       onWin([](TLSubTask& step) {
+      {"parallel, double precision by the run file", "velstra", plain, onWin([](TLSubTask& step) {
          parallel(step);
          runFileDouble().facts.userSolverPrecision = 1;
        }),
        "mpiexec.exe on here:|-mapall|-machinefile|unknown|-n|3|"
        "C:\\suite\\bin64\\velstradpx86_64.exe|C:\\p\\a.run|-parendId|99"},
-      {"parallel, unstructured, Intel MPI",
-       "lumbrakesp",
-       {{"none", "C:\\p\\a.run"}},
-       onWin([](TLSubTask& step) {
+      {"parallel, unstructured, Intel MPI", "lumbrakesp", plain, onWin([](TLSubTask& step) {
          parallel(step);
          step.loadBalancing.processNames = {"win", "far"};
          step.name = "LUMBRAKE";
@@ -203,17 +189,12 @@ TEST_F(Launches, OfSolversOnWindowsHosts) {
        }),
        "mpiexec.exe on here:|-mapall|-machinefile|unknown|-n|2|"
        "C:\\suite\\bin64\\lumbrakehp_impix86_64.exe|C:\\p\\a.run|-parendId|99"},
-      {"sequential, unstructured",
-       "lumbrakesp",
-       {{"none", "C:\\p\\a.run"}},
-       onWin([](TLSubTask& step) {
+      {"sequential, unstructured", "lumbrakesp", plain, onWin([](TLSubTask& step) {
          step.name = "LUMBRAKE";
          runFileDouble().facts = {true, 2, "double", true, 0};
        }),
        "lumbrakedpx86_64.exe on win:|C:\\p\\a.run|-parendId|99|-seq|"},
-      {"the second file of the test serves too",
-       "velstra",
-       {{"none", "C:\\p\\a.run"}},
+      {"the second file of the test serves too", "velstra", plain,
        onWin([](TLSubTask& step) { step.userSolverPrecision = 7; }),
        "velstrax86_64.exe on win:|C:\\p\\a.run|-parendId|99"},
       {"a host that nobody knows",
