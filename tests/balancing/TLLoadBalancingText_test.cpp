@@ -1,16 +1,11 @@
 #include <gtest/gtest.h>
 
 #include "balancing/TLLoadBalancing.h"
+#include "support/RecordTexts.h"
 
 namespace {
 
 using Names = std::vector<RWCString>;
-
-std::string written(const TLLoadBalancing& record) {
-  TLTextSink sink;
-  record.write(sink);
-  return sink.take();
-}
 
 TEST(TLLoadBalancingText, WritesTheFixedFormAndReadsItBack) {
   TLLoadBalancing record;

@@ -8,14 +8,8 @@ namespace {
 
 using testing::HasSubstr;
 
-/// A daemon whose script asks for no cycle, so that nothing is launched: what a step is set to
-/// stays. A status in the task file isn't kept by the start; the steps are pending.
-TestDaemonOptions withoutCycles() {
-  TestDaemonOptions options;
-  options.script = "set period 0";
-  return options;
-}
-
+// Its script asks for no cycle, so that nothing is launched: what a step is set to stays. A status
+// in the task file is not kept by the start; the steps are pending.
 TEST(DaemonCommands, AnswerAndKeepTheRecordOfTheRun) {
   TestDaemon daemon(
       TestDaemon::task(TestDaemon::step("FIRST", "none") +
@@ -23,7 +17,7 @@ TEST(DaemonCommands, AnswerAndKeepTheRecordOfTheRun) {
                                             argumentsText(argumentText("-a", "/machines.txt"))) +
                            TestDaemon::step("FIRST", "none"),
                        "STARTING_DATE 1234\n"),
-      withoutCycles());
+      {.script = "set period 0"});
   const std::string path = " {" + (daemon.directory() / "computation.sim").string() + "}";
   const std::pair<std::string, const char*> cases[] = {
       {"get_task_name", "test task"},

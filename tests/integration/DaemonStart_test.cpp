@@ -15,13 +15,6 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-TestDaemonOptions started(const std::string& name, std::vector<std::string> words) {
-  TestDaemonOptions options;
-  options.name = name;
-  options.words = std::move(words);
-  return options;
-}
-
 TEST(DaemonStart, wrongStartsAreToldToTheParentOnly) {
   struct Case {
     std::string name;
@@ -45,7 +38,7 @@ TEST(DaemonStart, wrongStartsAreToldToTheParentOnly) {
        "Task Daemon: " + broken.string() + " : wrong format"},
   };
   for (const Case& c : cases) {
-    const TestDaemon daemon("", started(c.name, c.words));
+    const TestDaemon daemon("", {.name = c.name, .words = c.words});
     ASSERT_GT(daemon.tid(), 0);
     const auto message = PvmPeer::receive(daemon.tid());
     ASSERT_TRUE(message) << c.name;
@@ -56,9 +49,9 @@ TEST(DaemonStart, wrongStartsAreToldToTheParentOnly) {
 }
 
 TEST(DaemonStart, scriptIsEvaluatedBeforeTheTaskThenDrivesItAndEndsIt) {
-  TestDaemonOptions options;
-  options.script = "note [list top [get_task_name] $argc [lindex $argv 0] [file tail $argv0]]";
-  TestDaemon daemon(TestDaemon::task(TestDaemon::step("A", "none")), options);
+  TestDaemon daemon(
+      TestDaemon::task(TestDaemon::step("A", "none")),
+      {.script = "note [list top [get_task_name] $argc [lindex $argv 0] [file tail $argv0]]"});
   EXPECT_TRUE(daemon.waitUpcall("top {} 4 -task tltaskmgr"));
   EXPECT_EQ(daemon.ask("get_task_name"), "test task");
   EXPECT_EQ(daemon.ask("info exists tcl_rcFileName"), "1");
@@ -89,7 +82,7 @@ TEST(DaemonStart, catchoutFileGoesWithTheDaemon) {
 }
 
 TEST(DaemonStart, otherNamesOnlyRunTheirScript) {
-  TestDaemon daemon("", started("TLTASKMGR.EXE", {"-parendId", "1"}));
+  TestDaemon daemon("", {.name = "TLTASKMGR.EXE", .words = {"-parendId", "1"}});
   ASSERT_GT(daemon.tid(), 0);
   // No script: its error is printed, and the process waits in its event loop.
   EXPECT_TRUE(waitUntil(
@@ -100,9 +93,8 @@ TEST(DaemonStart, otherNamesOnlyRunTheirScript) {
 }
 
 TEST(DaemonStart, scriptErrorsLeaveTheDaemonRunning) {
-  TestDaemonOptions options;
-  options.script = "error {broken layer}";
-  TestDaemon daemon(TestDaemon::task(TestDaemon::step("A", "none")), options);
+  TestDaemon daemon(TestDaemon::task(TestDaemon::step("A", "none")),
+                    {.script = "error {broken layer}"});
   EXPECT_EQ(daemon.ask("search_for_subtask_by_name A"), "0");
   EXPECT_THAT(VirtualMachine::shared().log(), HasSubstr("broken layer"));
 }

@@ -70,6 +70,10 @@ class EngineDaemon : public testing::Test {
         name, executable,
         lines + argumentsText(arguments + argumentText("-script", file(label + ".fake"))), host);
   }
+  /// Script that leaves out the pauses of launches, which are for people's eyes.
+  static constexpr const char* kWithoutPauses =
+      "rename after wait\n"
+      "proc after {args} { if {[llength $args] > 1} { uplevel wait $args } }\n";
   static constexpr const char* kBeside = "  WAITING_TASK 0\n";
   static constexpr const char* kDisabled = "  ENABLED 0\n";
 

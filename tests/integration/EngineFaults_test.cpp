@@ -9,8 +9,7 @@ class EngineFaults : public EngineDaemon {};
 
 TEST_F(EngineFaults, AFloodOfTextsIsShownWhole) {
   constexpr int kTexts = 100000;
-  TestDaemonOptions options;
-  options.script =
+  const std::string script =
       "set texts 0\n"
       "rename task_manager_receive_message noted\n"
       "proc task_manager_receive_message {text} {\n"
@@ -20,7 +19,7 @@ TEST_F(EngineFaults, AFloodOfTextsIsShownWhole) {
       TestDaemon::task(step(
           "a", "SOLVE", "velstraTurbo",
           {"started", "flood " + std::to_string(kTexts) + " a flood", "text over", "wait 60"})),
-      options);
+      {.script = script});
   ASSERT_TRUE(daemon.waitUpcall(received("over"), 120));
   EXPECT_EQ(daemon.ask("set texts"), std::to_string(kTexts));
   EXPECT_TRUE(daemon.waitStatuses({1}));
@@ -72,12 +71,10 @@ TEST_F(EngineFaults, AFullDiskAtTheCatchoutFile) {
     std::filesystem::create_symlink(
         "/dev/full", directory / "tmp" / ("taskfile_catchout" + std::to_string(getpid() + i)));
   }
-  TestDaemonOptions options;
-  options.environment = {{"TMP_DIR", file("tmp/")}};
   TestDaemon daemon(
       TestDaemon::task(
           step("a", "STEP", "tool", {"print lost", "complain lost", "text printed", "wait 60"})),
-      options);
+      {.environment = {{"TMP_DIR", file("tmp/")}}});
   ASSERT_TRUE(daemon.waitUpcall(received("printed")));
   EXPECT_TRUE(daemon.waitStatuses({1}));
   PvmPeer::send(daemon.tid(), 3);

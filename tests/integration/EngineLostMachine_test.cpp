@@ -25,11 +25,9 @@ class EngineLostMachine : public EngineDaemon {
 };
 
 TEST_F(EngineLostMachine, WindowAndScriptGoOn) {
-  TestDaemonOptions options;
-  options.environment = {{"TL_UPDATE_MS", "5"}};
   TestDaemon daemon(TestDaemon::task(step("a", "SOLVE", "velstraTurbo", {"started", "wait 60"}) +
                                      step("b", "LATER", "tool", {"file " + file("b.done")})),
-                    options);
+                    {.environment = {{"TL_UPDATE_MS", "5"}}});
   ASSERT_TRUE(daemon.waitUpcall(phrase("FLOW SOLVER STARTED")));
   process_ = PvmPeer::processOf(daemon.tid());
   ASSERT_GT(process_, 0);

@@ -7,14 +7,6 @@ namespace {
 
 class EngineMarine : public EngineDaemon {
  protected:
-  /// The pauses of the launches are for people's eyes.
-  static TestDaemonOptions quick() {
-    TestDaemonOptions options;
-    options.script =
-        "rename after wait\n"
-        "proc after {args} { if {[llength $args] > 1} { uplevel wait $args } }\n";
-    return options;
-  }
   std::string marineTask(const std::string& steps) const {
     return TestDaemon::task(steps, "  LOCAL_COMPUTATION_PATH " + directory.string() +
                                        "\n  COMPUTATION_FILE_NAME case.sim\n");
@@ -53,7 +45,7 @@ TEST_F(EngineMarine, TheChainRunsToItsEndAndEndsTheDaemon) {
                  marine("QUOREL_CFD", "quorelcfd", works("quorelcfd")) +
                  marine("POSTMETIS", "postmetis", works("postmetis")) +
                  marine("CHECKSTATUS", "tool", {"file " + file("checked"), "wait 60"})),
-      quick());
+      {.script = kWithoutPauses});
   EXPECT_TRUE(daemon.waitGone(60));
   EXPECT_EQ(statusOf("premetis") + statusOf("quorelcfd") + statusOf("postmetis"),
             "finishedfinishedfinished");
@@ -67,7 +59,7 @@ TEST_F(EngineMarine, AFreshFailureAndAMismatchDisableWhatFollows) {
     std::filesystem::remove(file("premetis.began"));
     TestDaemon daemon(marineTask(marine("PREMETIS", "premetis", works("premetis", word)) +
                                  marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
-                      quick());
+                      {.script = kWithoutPauses});
     EXPECT_TRUE(daemon.waitGone(60)) << word;
     EXPECT_TRUE(has("premetis.began")) << word;
     EXPECT_FALSE(has("quorelcfd.began")) << word;
@@ -76,11 +68,11 @@ TEST_F(EngineMarine, AFreshFailureAndAMismatchDisableWhatFollows) {
 
 TEST_F(EngineMarine, AStaleEntryLeavesTheProcessToDecide) {
   TestDaemon daemon(marineTask(marine("PREMETIS", "premetis",
-                                      {status("premetis", "finished"),
-                                       "entry premetis DATE 1/1/2020 " + file("case.sim"),
+                                      {"entry premetis DATE 1/1/2020 " + file("case.sim"),
+                                       "entry premetis STATUS finished " + file("case.sim"),
                                        "file " + file("stale"), "await 21 60"}) +
                                marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
-                    quick());
+                    {.script = kWithoutPauses});
   ASSERT_TRUE(waitFile("stale"));
   EXPECT_TRUE(daemon.waitStatuses({1, 0}));
   PvmPeer::send(daemon.tid(), 21, PvmBody().integer(0));
@@ -93,7 +85,7 @@ TEST_F(EngineMarine, AKilledToolsLockHoldsNobodyUp) {
       marineTask(marine("PREMETIS", "premetis",
                         {"lock " + file("case.sim"), "file " + file("locked"), "die KILL"}) +
                  marine("QUOREL_CFD", "quorelcfd", works("quorelcfd"))),
-      quick());
+      {.script = kWithoutPauses});
   ASSERT_TRUE(waitFile("locked"));
   EXPECT_TRUE(endsWhilePolled(daemon));
   EXPECT_EQ(statusOf("quorelcfd"), "finished");
@@ -104,7 +96,7 @@ TEST_F(EngineMarine, ALockedFileIsWaitedFor) {
       marineTask(marine("PREMETIS", "premetis",
                         {"lock " + file("case.sim"), "file " + file("locked"), "wait 1",
                          "file " + file("unlocking"), "unlock", "wait 60"})),
-      quick());
+      {.script = kWithoutPauses});
   ASSERT_TRUE(waitFile("locked"));
   EXPECT_EQ(daemon.poll(), Statuses{1});  // answered after the lock was given back
   EXPECT_TRUE(has("unlocking"));
@@ -115,8 +107,8 @@ TEST_F(EngineMarine, TwoDaemonsShareOneDirectory) {
     return marineTask(marine("PREMETIS", "premetis", works("premetis")) +
                       marine("QUOREL_CFD", "quorelcfd", works("quorelcfd")));
   };
-  TestDaemon one(chain(), quick());
-  TestDaemon two(chain(), quick());
+  TestDaemon one(chain(), {.script = kWithoutPauses});
+  TestDaemon two(chain(), {.script = kWithoutPauses});
   EXPECT_TRUE(endsWhilePolled(one));
   EXPECT_TRUE(endsWhilePolled(two));
   EXPECT_EQ(statusOf("quorelcfd"), "finished");
@@ -127,7 +119,8 @@ TEST_F(EngineMarine, AStatusFileOfRandomBytesIsMadeAnew) {
   std::string noise;
   for (int i = 0; i < 100000; ++i) noise += static_cast<char>(i * 7919 >> 3);
   put("status.dat", "TL_BEGIN status\n" + noise);
-  TestDaemon daemon(marineTask(marine("QUOREL_CFD", "quorelcfd", {"wait 60"})), quick());
+  TestDaemon daemon(marineTask(marine("QUOREL_CFD", "quorelcfd", {"wait 60"})),
+                    {.script = kWithoutPauses});
   EXPECT_TRUE(daemon.waitStatuses({1})) << "an entry that isn't there: the process decides";
   put("status.dat", noise);
   EXPECT_TRUE(daemon.waitStatuses({1}));
@@ -138,7 +131,7 @@ TEST_F(EngineMarine, TheProbesToolIsFollowedBesideItsLog) {
   const std::string probes =
       scripted("probes", "PROBES2QVK", "probes", {"wait 60"},
                argumentText("-log", file("x.log")) + argumentText("-view_log", file("x.log.view")));
-  TestDaemon daemon(TestDaemon::task(probes), quick());
+  TestDaemon daemon(TestDaemon::task(probes), {.script = kWithoutPauses});
   EXPECT_TRUE(daemon.waitUpcall(phrase("Connect to the log")));
   EXPECT_TRUE(daemon.waitUpcall("task_manager_init_tail " + file("x.log.view")));
   EXPECT_TRUE(daemon.waitStatuses({1}));

@@ -8,10 +8,10 @@ class EngineWindow : public EngineDaemon {};
 TEST_F(EngineWindow, ShowsARunAndItsCrashAndStopsTheRest) {
   put("load.steering", contentsOf(std::string(TL_EXAMPLES) + "/heat/heat.steering"));
   put("load.steering.binary", "");
-  TestDaemonOptions options;
   // The window's own timer drives the cycles; the layer below it goes on answering.
-  options.script = "set period 0; source {" TL_SHARE "/_tcl/_taskManager/taskDaemon.tcl}";
-  options.environment = {{"TL_UPDATE_MS", "20"}};
+  const TestDaemonOptions options = {
+      .script = "set period 0; source {" TL_SHARE "/_tcl/_taskManager/taskDaemon.tcl}",
+      .environment = {{"TL_UPDATE_MS", "20"}}};
   const std::string solver = scripted(
       "a", "SOLVE", "velstraTurbo",
       {"started", "text hello \\ window", "values residual 1 0.5 2 0.25", "print a line of the log",

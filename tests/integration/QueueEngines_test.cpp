@@ -96,10 +96,9 @@ class QueueEngines : public EngineDaemon, public testing::WithParamInterface<Eng
     static const std::string system = std::getenv("PATH");
     const std::string faces =
         *engine().faces == '\0' ? "" : std::string(TL_ENGINES) + "/" + engine().faces + ":";
-    TestDaemonOptions result;
-    result.environment = {
-        {"PATH", faces + system}, {"SGE_ROOT", "/var/lib/gridengine"}, {"SGE_CELL", "default"}};
-    return result;
+    return {.environment = {{"PATH", faces + system},
+                            {"SGE_ROOT", "/var/lib/gridengine"},
+                            {"SGE_CELL", "default"}}};
   }
 
   /// A step whose job notes its begin, goes on until "label.end" or "label.stop" is there, and

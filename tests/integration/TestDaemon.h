@@ -12,13 +12,13 @@
 struct TestDaemonOptions {
   std::string name = "tltaskmgr";  ///< the name under which the program is started
   /// Its own words; none: "-task" with a file that holds the task's text.
-  std::vector<std::string> words;
+  std::vector<std::string> words = {};
   /// Evaluated at the end of the script layer.
-  std::string script;
+  std::string script = {};
   /// A directory whose files go into the installation's "bin": the solvers' definitions.
-  std::filesystem::path definitions;
+  std::filesystem::path definitions = {};
   /// Further variables of its environment.
-  std::vector<std::pair<std::string, std::string>> environment;
+  std::vector<std::pair<std::string, std::string>> environment = {};
 };
 
 /// A real daemon in the shared virtual machine of the test program, with a display, an installation

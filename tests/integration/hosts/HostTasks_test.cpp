@@ -53,10 +53,8 @@ class HostTasks : public EngineDaemon {
            "  TL_END load_balancing\n";
   }
   TestDaemonOptions options(const std::string& ssh = {}) const {
-    TestDaemonOptions options;
-    options.definitions = definitions.directory();
-    options.environment = {{"PATH", TL_SHARE_DIR "/bin:/usr/bin:/bin"}, {"TL_SSH_OPTIONS", ssh}};
-    return options;
+    return {.definitions = definitions.directory(),
+            .environment = {{"PATH", TL_SHARE_DIR "/bin:/usr/bin:/bin"}, {"TL_SSH_OPTIONS", ssh}}};
   }
 
   /// The directory of the one run on beta, as the disk shows it; empty when there is none.
@@ -319,8 +317,7 @@ TEST_F(HostTasks, PathsAreMappedForAHostThatSharesTheDisk) {
   dir.write("proj/remote paths.txt", "gamma /none\nbeta /mnt/shared by name\n");
   addScript("beta", "quorelcfd", "for i; do echo \"$i\"; done >/mnt/words; sleep 60 & wait\n");
   TestDaemonOptions quick = options();
-  quick.script =
-      "rename after wait\nproc after {args} { if {[llength $args] > 1} { uplevel wait $args } }\n";
+  quick.script = kWithoutPauses;
   TestDaemon daemon(
       TestDaemon::task(
           TestDaemon::step("QUOREL_CFD", "quorelcfd",
