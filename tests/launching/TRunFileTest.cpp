@@ -5,11 +5,13 @@
 #include <filesystem>
 #include <fstream>
 #include <regex>
+#include <set>
 #include <sstream>
 
 #include "doubles/TLScriptRecording.h"
 #include "doubles/TLVirtualMachineRecording.h"
 #include "launching/TLLaunching.h"
+#include "launching/TLRunFileLaunch.h"
 #include "platform/TLConsole.h"
 #include "platform/TTempDir.h"
 #include "support/Definitions.h"
@@ -78,6 +80,24 @@ TEST_F(RunFiles, HoldTheDistributionAfterALaunch) {
   EXPECT_THAT(valuesOf(text, "MEMORY_ESTIMATION_REAL"), testing::ElementsAre("222"));
   EXPECT_EQ(recordedVirtualMachine().spawns.at(0).executable, "velstraTurbodp_parallel");
   EXPECT_EQ(dir.count(), 1);
+}
+
+TEST_F(RunFiles, AreBalancedForTheQueue) {
+  step->loadBalancing.parallel = 1;
+  step->loadBalancing.queuingSystemActivated = 1;
+  step->loadBalancing.nbQueuingSystemProcessor = 4;
+  step->arguments.append("none", dir.write("a.run", runFile()));
+  step->isWin32Host = 0;
+  TLLaunchDraft draft = draftOf(*step);
+  std::ostringstream trace;
+  const TLConsoleRedirect redirect(trace);
+  launchWithRunFile(*step, draft, launchSite());
+  const std::string text = dir.read("a.run");
+  EXPECT_THAT(valuesOf(text, "NTASK,I,1,1,0"), testing::ElementsAre(HasSubstr("4")));
+  const auto processes = valuesOf(text, "PROCESS_ID");
+  EXPECT_EQ(std::set<std::string>(processes.begin(), processes.end()),
+            (std::set<std::string>{"1", "2", "3", "4"}));
+  EXPECT_EQ(draft.arguments.count(), 1) << "no machines for a job";
 }
 
 TEST_F(RunFiles, SequentialRunsKeepTheirBlocks) {
