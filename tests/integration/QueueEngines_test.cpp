@@ -149,8 +149,8 @@ TEST_P(QueueEngines, AJobRunsAndTheNextStepWaitsForIt) {
   TestDaemon daemon(TestDaemon::task(job("a", "VELSTRA", "velstraTurbo", 2) +
                                      step("b", "NEXT", "tool", {"await 11 60"})),
                     options());
-  ASSERT_TRUE(waitFile("a.run.began"));
-  EXPECT_EQ(contentsOf(directory / "a.run.began"), VirtualMachine::shared().hostName() + "\n");
+  const std::string host = VirtualMachine::shared().hostName() + "\n";
+  ASSERT_TRUE(waitUntil([&] { return contentsOf(directory / "a.run.began") == host; }));
   EXPECT_TRUE(waitWord(daemon, 0, engine().running));
   EXPECT_GT(seen(daemon, 0).jobNumber, 0);
   EXPECT_EQ(daemon.poll(), (Statuses{1, 0}));
