@@ -71,9 +71,10 @@ bool measurePlan() {
   }
   const TLLaunchSite site = launchSite();
   TLRemPathMapping mapping("remote paths.txt", false);
+  const TLHostKindTest isWin32 = [](const RWCString&) { return false; };
   const double seconds = secondsOf([&] {
     for (const auto& step : task->subTasks) {
-      planLaunch(*step, false, site, &readRunFileFacts, mapping);
+      planLaunch(*step, isWin32, site, &readRunFileFacts, mapping);
     }
   });
   task->clearSubTasks();
