@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <pvm3.h>
 #include <pvmtev.h>
-#include <sys/select.h>
 
 #include <algorithm>
 #include <chrono>
@@ -104,9 +103,9 @@ RWCString spawnErrorText(int answer, int taskCode, const RWCString& host,
 /// True when something stands in the sockets to the virtual machine that was not read yet.
 bool isReadable() {
   int* descriptors = nullptr;
-  const int count = std::min(pvm_getfds(&descriptors), FD_SETSIZE);
-  std::vector<pollfd> sockets;
-  for (int i = 0; i < count; ++i) sockets.push_back({descriptors[i], POLLIN, 0});
+  const int count = std::max(pvm_getfds(&descriptors), 0);
+  std::vector<pollfd> sockets(static_cast<std::size_t>(count), {0, POLLIN, 0});
+  for (int i = 0; i < count; ++i) sockets[static_cast<std::size_t>(i)].fd = descriptors[i];
   return count > 0 && poll(sockets.data(), sockets.size(), 0) > 0;
 }
 

@@ -26,7 +26,10 @@ Handle<Entry> named(const std::vector<Handle<Entry>>& list, std::string_view nam
 
 template <class Entry>
 void copyEach(std::vector<Handle<Entry>>& list) {
-  for (auto& entry : list) entry = makeHandle<Entry>(*entry);
+  for (auto& entry : list) {
+    const auto copy = makeHandle<Entry>(*entry);
+    entry = copy;
+  }
 }
 
 template <class Entry>

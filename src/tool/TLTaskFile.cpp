@@ -33,7 +33,8 @@ bool TLTaskFile::read(bool echo) {
   if (!echo) redirect.emplace(unheard);
   TLTextSource source(std::move(*text));
   TLTextSink empty;
-  TLTask().write(empty);
+  const TLTask fresh;
+  fresh.write(empty);
   report_.allowWritten(empty.text());
   source.setObserver(&report_);
   const bool good = task_->read(source) == 1;
@@ -42,7 +43,7 @@ bool TLTaskFile::read(bool echo) {
   }
   if (good && task_->subTaskCount() == 0) {
     // What has neither a block nor a name of a task was never meant as one.
-    const bool foreign = task_->name == TLTask().name && !source.text().empty() &&
+    const bool foreign = task_->name == fresh.name && !source.text().empty() &&
                          kindOfText(source.text()) == TLFileKind::unknown;
     report_.add(foreign, foreign ? "is no task file" : "holds no step: nothing would run");
     return !foreign;
@@ -60,8 +61,10 @@ bool TLTaskFile::checkJobScripts(bool firm) {
     const auto text = hostForm().readFile(script);
     if (!text) report_.add(firm, missingTemplateText(script));
     if (text && isFilledJobScript(*text)) {
-      report_.add(false, script + " has been filled already: put its template back, " + script +
-                             ".orig, before the step runs again");
+      report_.add(false,
+                  fmt::format("{0} has been filled already: put its template back, {0}.orig, "
+                              "before the step runs again",
+                              script));
     }
     good = good && text.has_value();
   }
