@@ -220,8 +220,10 @@ TEST_F(HostTasks, WhatCantBeFetchedStaysThere) {
     ASSERT_TRUE(daemon.waitStatuses({1})) << all(daemon);
     const fs::path far = runDirectory();
     ASSERT_FALSE(far.empty());
-    if (!full) HostNetwork::run("mount -o remount,size=400m " + dir.file("w"));
-    put(far / "case.res", std::string(full ? 2000000 : 200000000, 'r'));
+    if (!full) HostNetwork::run("mount -o remount,size=3500m " + dir.file("w"));
+    put(far / "case.res", "of the run");
+    // A file of zeros takes no room there; the large one is on its way for longer than a cut takes.
+    fs::resize_file(far / "case.res", full ? 2'000'000 : 3'000'000'000);
     letGo(daemon);
     if (!full) {
       EXPECT_TRUE(waitUntil([&] {
